@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QString>
+#include <atomic>
+#include <tarnflow/cBufferStamp.h>
+#include <tarnflow/export.h>
+#include <typeinfo>
+
+class cOPortBase;
+class cPortBase;
+
+/**
+ * A stamped, reference-counted parcel on the pool of an output port. Whoever holds one counts as a holder and gives its
+ * reference back exactly once; the last one returns the buffer to its pool, with the value left in place.
+ */
+class TARNFLOW_EXPORT cBuffer {
+public:
+    explicit cBuffer(cOPortBase* i_parent);
+    virtual ~cBuffer();
+    cBuffer(const cBuffer&) = delete;
+    cBuffer& operator=(const cBuffer&) = delete;
+
+    /** The value as text, for audits and queue listings. */
+    virtual QString getAuditText() const = 0;
+    /** Called when the buffer goes back to its pool. */
+    virtual void recycled() {}
+    virtual void* getData() = 0;
+    virtual const std::type_info& getTypeInfo() const = 0;
+
+    cBufferStamp getStamp() const;
+    void setStamp(const cBufferStamp& i_stamp);
+    cOPortBase* getParentPort() const { return m_parent; }
+
+    /** Takes one more reference. */
+    bool ref();
+    /** The number of holders; 1 means that the caller is the only one. */
+    int getRefCount() const { return m_refCount.load(std::memory_order_acquire); }
+    /** Gives one reference back to the parent's pool. */
+    void releaseAndUnrefBufferAtPort();
+    /** Records the buffer's passage at a port. */
+    void audit(cPortBase* i_port, const cBufferStamp& i_stamp, const QString& i_text);
+
+protected:
+    friend class cOPortBase;
+    std::atomic<int> m_refCount{0};
+
+private:
+    cOPortBase* m_parent;
+    // Both fields may be read by one receiver while another moves a stamp it holds alone.
+    std::atomic<qint64> m_stamp{cBufferStamp::s_invalid};
+    std::atomic<qint64> m_time{0};
+    bool m_pooled = true; ///< false for a private copy, which dies with its last holder
+};

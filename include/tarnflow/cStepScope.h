@@ -1,0 +1,38 @@
+#pragma once
+
+#include <tarnflow/export.h>
+
+/**
+ * Watches one process step on the thread that runs it, so that the frame's fate can be told afterwards.
+ *
+ * A port group opens a scope around each step. Output ports and stations note what happens through the static functions,
+ * which do nothing on a thread that runs no step.
+ */
+class TARNFLOW_EXPORT cStepScope {
+public:
+    enum class EOutcome { Used, Gated, Lost, Ignored };
+
+    cStepScope();
+    ~cStepScope();
+    cStepScope(const cStepScope&) = delete;
+    cStepScope& operator=(const cStepScope&) = delete;
+
+    EOutcome getOutcome() const;
+
+    /** An output was asked whether anybody wants data. */
+    static void noteRequest(bool i_wanted);
+    /** A buffer went out. */
+    static void noteSent();
+    /** A result found no buffer. */
+    static void noteLost();
+    /** The step passes the frame over. */
+    static void noteIgnored();
+
+private:
+    cStepScope* m_outer;
+    bool m_asked = false;
+    bool m_wanted = false;
+    bool m_sent = false;
+    bool m_lost = false;
+    bool m_ignored = false;
+};
