@@ -1,0 +1,38 @@
+#pragma once
+
+#include <tarnimg/cImgType.h>
+
+#include <QMetaType>
+#include <QPair>
+
+/**
+ * What both gradient types share; `T` is the pixel, a pair of dx and dy.
+ *
+ * The range is that of 16 bits for both.
+ */
+template <class T>
+class TARNIMG_EXPORT cImgTypeGradient : public cImgType {
+public:
+    bool convertTo(const cImg& i_source, const cImgType& i_target, cImg& io_result,
+        const cMapObj* i_params) const override;
+    unsigned getPixelSize() const override;
+    QString pixelToString(const unsigned char* i_pixel, bool i_hexadecimal) const override;
+    QSize getPixelStringSize(const QFont& i_font, bool i_hexadecimal) const override;
+    cMapObj getParams() const override;
+    void setParams(const cMapObj& i_params) override;
+    /** Takes a `T`. */
+    void fill(cImg& io_image, const QVariant& i_value) const override;
+
+protected:
+    explicit cImgTypeGradient(ImageTypes i_type);
+
+private:
+    void setNumChannels(unsigned i_channels) override;
+
+    double m_factor = 1.0;
+    bool m_absolute = true;
+    double m_angle = 0.0;
+};
+
+extern template class cImgTypeGradient<QPair<short, short>>;
+extern template class cImgTypeGradient<QPair<int, int>>;

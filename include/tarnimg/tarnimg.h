@@ -1,0 +1,23 @@
+#pragma once
+
+#include <tarnimg/cImageTypeFactory.h>
+#include <tarnimg/cImg.h>
+#include <tarnimg/cImgIO.h>
+#include <tarnimg/cImgType.h>
+#include <tarnimg/cImgTypeComplex.h>
+#include <tarnimg/cImgTypeFloat32.h>
+#include <tarnimg/cImgTypeFloat64.h>
+#include <tarnimg/cImgTypeGradI16.h>
+#include <tarnimg/cImgTypeGradI32.h>
+#include <tarnimg/cImgTypeRGB24.h>
+#include <tarnimg/cImgTypeRGB32.h>
+#include <tarnimg/cImgTypeSInt16.h>
+#include <tarnimg/cImgTypeSInt32.h>
+#include <tarnimg/cImgTypeSInt64.h>
+#include <tarnimg/cImgTypeSInt8.h>
+#include <tarnimg/cImgTypeUInt16.h>
+#include <tarnimg/cImgTypeUInt32.h>
+#include <tarnimg/cImgTypeUInt8.h>
+#include <tarnimg/cRgb.h>
+#include <tarnimg/cTransform.h>
+#include <tarnimg/export.h>
