@@ -2,9 +2,9 @@
 
 #include <tarnbase/cMapObj.h>
 #include <tarnbase/cRect.h>
+#include <tarnbase/cTransform.h>
 #include <tarnimg/cImgBuf.h>
 #include <tarnimg/cImgType.h>
-#include <tarnimg/cTransform.h>
 
 #include <QSharedPointer>
 #include <QString>

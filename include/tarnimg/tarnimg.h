@@ -18,6 +18,4 @@
 #include <tarnimg/cImgTypeUInt16.h>
 #include <tarnimg/cImgTypeUInt32.h>
 #include <tarnimg/cImgTypeUInt8.h>
-#include <tarnimg/cRgb.h>
-#include <tarnimg/cTransform.h>
 #include <tarnimg/export.h>
