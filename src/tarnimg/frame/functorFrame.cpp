@@ -1,0 +1,85 @@
+#include "functorFrame.h"
+
+#include "messages.h"
+
+#include <QMetaEnum>
+#include <customipp/customipp.h>
+#include <stdexcept>
+#include <tarnbase/cDataValObj.h>
+#include <tarnimg/checkIPPStatus.h>
+
+namespace frame {
+
+static QString message(const char* i_template, const char* i_operator)
+{
+    return QString::fromLatin1(i_template).arg(QString::fromLatin1(i_operator));
+}
+
+static void checkSupported(const cImgFunctor& i_functor, const cImg& i_image, const char* i_operator)
+{
+    if (!i_functor.isSupported(i_image))
+        fail(message(s_unsupportedImage, i_operator)
+                 .arg(i_image.getImgType().getName())
+                 .arg(i_image.getNumChannels()));
+}
+
+void fail(const QString& i_message)
+{
+    throw std::runtime_error(i_message.toLocal8Bit().constData());
+}
+
+void checkInput(const cImgFunctor& i_functor, const cImg& i_image, const char* i_operator)
+{
+    if (!i_image.isValid())
+        fail(message(s_invalidImage, i_operator));
+    checkSupported(i_functor, i_image, i_operator);
+}
+
+void checkInputs(const cImgFunctor& i_functor, const cImg& i_a, const cImg& i_b, const char* i_operator)
+{
+    if (!i_a.isValid() || !i_b.isValid())
+        fail(message(s_invalidImage, i_operator));
+    if (i_a.getImgType().getTypeId() != i_b.getImgType().getTypeId())
+        fail(message(s_typesMustBeEqual, i_operator));
+    if (i_a.getNumChannels() != i_b.getNumChannels())
+        fail(message(s_channelsMustBeEqual, i_operator));
+    if (i_a.getSize() != i_b.getSize())
+        fail(message(s_sizesMustBeEqual, i_operator));
+    checkSupported(i_functor, i_a, i_operator);
+}
+
+void checkStatus(IppStatus i_status, const char* i_operator)
+{
+    if (i_status != ippStsNoErr)
+        fail(message(s_failure, i_operator).arg(QString::fromLatin1(ippGetStatusString(i_status))));
+}
+
+cImg resultLike(const cImg& i_image)
+{
+    return cImg(i_image.getImgType().getTypeId(), i_image.getWidth(), i_image.getHeight(), 1);
+}
+
+void bindEnumParam(cObj* i_params, const char* i_key, QString& i_member, const QMetaObject& i_class,
+    const char* i_enumeration)
+{
+    bindParam(i_params, i_key, i_member);
+    const QMetaEnum enumeration = i_class.enumerator(i_class.indexOfEnumerator(i_enumeration));
+    QStringList keys;
+    for (int i = 0; i < enumeration.keyCount(); ++i)
+        keys.append(QString::fromLatin1(enumeration.key(i)));
+    i_params->getSubObject(QString::fromLatin1(i_key))->setEnumeration(new cDataValObj<QStringList>(keys, 0));
+}
+
+int enumValue(const QMetaObject& i_class, const char* i_enumeration, const QString& i_key)
+{
+    const QMetaEnum enumeration = i_class.enumerator(i_class.indexOfEnumerator(i_enumeration));
+    const int value = enumeration.keyToValue(i_key.toUtf8().constData());
+    return value == -1 ? 0 : value;
+}
+
+} // namespace frame
+
+void checkIPPStatus(IppStatus i_status)
+{
+    frame::checkStatus(i_status, "checkIPPStatus");
+}

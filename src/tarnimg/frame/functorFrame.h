@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QMetaObject>
+#include <QString>
+#include <customipp/types.h>
+#include <iterator>
+#include <tarnbase/cDataRefObj.h>
+#include <tarnbase/cObj.h>
+#include <tarnimg/cImg.h>
+#include <tarnimg/cImgFunctor.h>
+
+/**
+ * What all functors share: the checks in their order, the failures and their words, parameters, and the look-up of the
+ * pixel function for an image.
+ */
+namespace frame {
+
+/** Throws std::runtime_error with the text in the local 8-bit encoding. */
+[[noreturn]] void fail(const QString& i_message);
+
+/** The image is valid, then supported. */
+void checkInput(const cImgFunctor& i_functor, const cImg& i_image, const char* i_operator);
+
+/** Both images are valid; equal types; equal channel counts; equal sizes; the first one is supported. */
+void checkInputs(const cImgFunctor& i_functor, const cImg& i_a, const cImg& i_b, const char* i_operator);
+
+/** Any status but 0 is a failure of the operator, warnings included. */
+void checkStatus(IppStatus i_status, const char* i_operator);
+
+/** A new one-channel image of the type and size of another; its pixels are undefined, it has no attributes. */
+cImg resultLike(const cImg& i_image);
+
+/** Enters a member as a parameter. */
+template <class T> void bindParam(cObj* i_params, const char* i_key, T& i_member)
+{
+    i_params->setSubObject(new cDataRefObj<T>(i_member, 0), QString::fromLatin1(i_key), true);
+}
+
+/** Enters a member that holds the key of an enumerator, with the list of allowed keys. */
+void bindEnumParam(cObj* i_params, const char* i_key, QString& i_member, const QMetaObject& i_class,
+    const char* i_enumeration);
+
+/** The value of an enumerator by its key; 0 for a key that the enumeration does not have. */
+int enumValue(const QMetaObject& i_class, const char* i_enumeration, const QString& i_key);
+
+/** The row of a functor's table for the image's type, or null. */
+template <class Table> auto find(const Table& i_variants, const cImg& i_image) -> decltype(std::data(i_variants))
+{
+    for (const auto& variant : i_variants) {
+        if (variant.type == i_image.getImgType().getTypeId())
+            return &variant;
+    }
+    return nullptr;
+}
+
+} // namespace frame
