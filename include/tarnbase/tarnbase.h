@@ -1,0 +1,27 @@
+#pragma once
+
+#include <tarnbase/c2DLine.h>
+#include <tarnbase/c2DPoint.h>
+#include <tarnbase/cColour.h>
+#include <tarnbase/cComplex.h>
+#include <tarnbase/cDataRefObj.h>
+#include <tarnbase/cDataValObj.h>
+#include <tarnbase/cError.h>
+#include <tarnbase/cFileSystem.h>
+#include <tarnbase/cMapObj.h>
+#include <tarnbase/cMathOP.h>
+#include <tarnbase/cMatrix.h>
+#include <tarnbase/cObj.h>
+#include <tarnbase/cObjIter.h>
+#include <tarnbase/cObjType.h>
+#include <tarnbase/cRange.h>
+#include <tarnbase/cRect.h>
+#include <tarnbase/cRgb.h>
+#include <tarnbase/cRgba.h>
+#include <tarnbase/cTracer.h>
+#include <tarnbase/cTracerManager.h>
+#include <tarnbase/cTransform.h>
+#include <tarnbase/cTypeConverter.h>
+#include <tarnbase/cTypeConverterBase.h>
+#include <tarnbase/cVector.h>
+#include <tarnbase/cWriteFormat.h>
