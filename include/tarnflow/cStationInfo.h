@@ -17,4 +17,5 @@ struct TARNFLOW_EXPORT cStationInfo {
     QString summary; ///< one sentence
     QList<Param> params;
     QStringList notes; ///< where the behaviour differs from what the name suggests
+    QString mainParam; ///< the parameter that a bare word after the station's name sets in a graph text; may be empty
 };
