@@ -1,8 +1,6 @@
 #pragma once
 
-#include <QList>
-#include <QPair>
-#include <tarnimg/cImgType.h>
+#include <tarnimg/cSupportedImages.h>
 #include <tarnimg/export.h>
 
 class cImg;
@@ -22,8 +20,6 @@ template <> class cIPort<cImg>;
  */
 class TARNIMG_EXPORT cImgFunctor {
 public:
-    using SupportedInputs = QList<QPair<cImgType::ImageTypes, unsigned int>>;
-
     cImgFunctor();
     cImgFunctor(const cImgFunctor& i_other);
     cImgFunctor& operator=(const cImgFunctor& i_other);
@@ -37,13 +33,13 @@ public:
 
     /** Whether the image is valid and its type and channel count are listed; an empty list accepts any image. */
     bool isSupported(const cImg& i_image) const;
-    const SupportedInputs& getSupportedInputs() const { return m_supportedInputs; }
-    /** Appends the supported inputs to what a port accepts. */
+    const cSupportedImages::List& getSupportedInputs() const { return m_supportedInputs.getList(); }
+    /** Appends the supported inputs to what a port takes. */
     void initSupportedTypes(cIPort<cImg>& io_port) const;
 
 protected:
     void addSupportedInput(cImgType::ImageTypes i_type, unsigned int i_channels);
 
 private:
-    SupportedInputs m_supportedInputs;
+    cSupportedImages m_supportedInputs;
 };

@@ -14,24 +14,16 @@ void cImgFunctor::refreshParams(cObj*)
 
 bool cImgFunctor::isSupported(const cImg& i_image) const
 {
-    if (m_supportedInputs.isEmpty())
-        return true;
-    if (!i_image.isValid())
-        return false;
-    for (const auto& [type, channels] : m_supportedInputs) {
-        if (type == i_image.getImgType().getTypeId() && (channels == 0 || channels == i_image.getNumChannels()))
-            return true;
-    }
-    return false;
+    return getSupportedInputs().isEmpty() || (i_image.isValid() && m_supportedInputs.takes(i_image));
 }
 
 void cImgFunctor::initSupportedTypes(cIPort<cImg>& io_port) const
 {
-    for (const auto& [type, channels] : m_supportedInputs)
+    for (const auto& [type, channels] : getSupportedInputs())
         io_port.addImageType(type, channels);
 }
 
 void cImgFunctor::addSupportedInput(cImgType::ImageTypes i_type, unsigned int i_channels)
 {
-    m_supportedInputs.append({i_type, i_channels});
+    m_supportedInputs.add(i_type, i_channels);
 }
