@@ -1,11 +1,14 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <atomic>
+#include <memory>
 #include <tarnflow/cBufferStamp.h>
 #include <tarnflow/export.h>
 #include <typeinfo>
 
+class cBufferPool;
 class cOPortBase;
 class cPortBase;
 
@@ -29,7 +32,8 @@ public:
 
     cBufferStamp getStamp() const;
     void setStamp(const cBufferStamp& i_stamp);
-    cOPortBase* getParentPort() const { return m_parent; }
+    /** The port whose pool it belongs to; null when that has been destroyed meanwhile. */
+    cOPortBase* getParentPort() const { return m_parent.load(std::memory_order_acquire); }
 
     /** Takes one more reference. */
     bool ref();
@@ -40,14 +44,20 @@ public:
     /** Records the buffer's passage at a port. */
     void audit(cPortBase* i_port, const cBufferStamp& i_stamp, const QString& i_text);
 
+    /** This buffer as a list of one, made once, so that a delivery allocates nothing. */
+    const QList<cBuffer*>& asList() const { return m_asList; }
+
 protected:
+    friend class cBufferPool;
     friend class cOPortBase;
-    std::atomic<int> m_refCount{0};
+    std::atomic<int> m_refCount {0};
 
 private:
-    cOPortBase* m_parent;
+    std::atomic<cOPortBase*> m_parent; ///< null when the port has gone before its buffer
+    const std::shared_ptr<cBufferPool> m_pool;
     // Both fields may be read by one receiver while another moves a stamp it holds alone.
-    std::atomic<qint64> m_stamp{cBufferStamp::s_invalid};
-    std::atomic<qint64> m_time{0};
-    bool m_pooled = true; ///< false for a private copy, which dies with its last holder
+    std::atomic<qint64> m_stamp {cBufferStamp::s_invalid};
+    std::atomic<qint64> m_time {0};
+    bool m_pooled = false; ///< false: it dies with its last holder
+    const QList<cBuffer*> m_asList;
 };

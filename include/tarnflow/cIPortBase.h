@@ -41,6 +41,8 @@ public:
     virtual QList<QPair<cIPortBase*, cBufferConverterBase*>> getReceiver(const std::type_info& i_type);
     /** Whether a callback takes every buffer as it comes, without a queue. */
     virtual bool hasDirectCallback() const = 0;
+    /** Whether the port takes over what is delivered to it; without any callback it does not. */
+    virtual bool takesBuffers() const = 0;
     /** A new converter from a value type to the port's, or null if there is none. The link owns it. */
     virtual cBufferConverterBase* makeBufferConverter(const std::type_info& i_from) = 0;
     /** Takes over one reference of each buffer; runs on the sender's thread. */
@@ -53,10 +55,31 @@ public:
     cFates getFates() const;
     /** Called by receiveBuffer for a buffer that the port does not take. */
     void noteRefused();
+    /** Called by receiveBuffer for a buffer that the direct callback sees. */
+    void noteDirect();
 
 protected:
+    /** Gives the buffer's reference back at the end of a scope, whatever happens in it. */
+    class TARNFLOW_EXPORT BufferReturner {
+    public:
+        explicit BufferReturner(cBuffer* i_buffer) : m_buffer(i_buffer) {}
+        ~BufferReturner();
+        BufferReturner(const BufferReturner&) = delete;
+        BufferReturner& operator=(const BufferReturner&) = delete;
+
+    private:
+        cBuffer* m_buffer;
+    };
+
     cPortGroupBase* m_group = nullptr;
-    QList<cPortBase*> m_links; ///< senders, as far as they are direct; guarded by the graph's link mutex
-    std::atomic<quint64> m_refused{0};
-    std::atomic<quint64> m_direct{0}; ///< taken by a direct callback
+
+private:
+    struct History;
+    unsigned int countSenders() const;
+
+    std::atomic<quint64> m_refused {0};
+    std::atomic<quint64> m_direct {0}; ///< taken by a direct callback
+    mutable std::atomic<quint64> m_senders {0}; ///< link generation * 2^16 + count of enabled senders, as last computed
+    mutable std::mutex m_historyMutex; ///< guards m_history
+    std::unique_ptr<History> m_history;
 };

@@ -8,9 +8,12 @@
 #include <tarnflow/cBufferStamp.h>
 #include <tarnflow/cFates.h>
 #include <tarnflow/cPortBase.h>
+#include <vector>
 
 class cBuffer;
 class cBufferConverterBase;
+class cBufferPool;
+class cIPortBase;
 
 /**
  * An output port: a pool of buffers and the receivers they go to.
@@ -43,11 +46,16 @@ public:
      * @param i_idle nothing more comes from here until data comes again: receivers need not wait for this port.
      */
     void sendFinish(const cBufferStamp& i_stamp, bool i_idle = false);
+    /** Announces that nothing more comes from here for now, with the newest stamp that was announced before. */
+    void sendIdle();
     /**
      * A private buffer with the value and stamp of another of this port, with one reference for the caller. It counts for
      * no pool and dies with its last holder.
      */
     cBuffer* makePrivateCopy(cBuffer* i_buffer);
+
+    /** A new buffer on this port, which belongs to no pool yet. */
+    virtual cBuffer* createBuffer() = 0;
 
     int getPoolLimit() const { return m_poolLimit; }
     /** Room beyond the limit, for receivers that hold buffers back. */
@@ -73,12 +81,28 @@ public:
     cFates getFates() const;
     void noteLost();
 
+    /** Waits until no delivery is under way that began before the last change of links, this thread's own ones excepted. */
+    void waitForDeliveries();
+
 protected:
-    virtual cBuffer* createBuffer() = 0;
     /** The same value in another buffer of this port's type. */
     virtual void copyValue(cBuffer* i_from, cBuffer* i_to) = 0;
     /** Whether somebody looks at what is sent, though no receiver is linked. */
     virtual bool hasObserver() const;
 
     int m_poolLimit = 0;
+
+private:
+    friend class cBuffer;
+    struct Receivers;
+    class Delivery;
+
+    const std::shared_ptr<cBufferPool> m_pool; ///< outlives the port as long as somebody holds a buffer of it
+    mutable std::mutex m_receiversMutex; ///< guards m_receivers, m_outdated and their use counts
+    std::condition_variable m_deliveryEnded;
+    std::shared_ptr<Receivers> m_receivers; ///< as of some link generation; replaced, never changed
+    std::vector<std::shared_ptr<Receivers>> m_outdated; ///< still in use by deliveries
+    std::atomic<quint64> m_sent {0};
+    std::atomic<quint64> m_lost {0};
+    std::atomic<qint64> m_lastStamp {cBufferStamp::s_invalid}; ///< the newest stamp announced
 };

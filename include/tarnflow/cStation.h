@@ -7,6 +7,8 @@
 #include <tarnflow/cStationInfo.h>
 
 class QWidget;
+class cError;
+class cFlow;
 class cPortGroupBase;
 class cStation;
 class cStationThread;
@@ -62,8 +64,21 @@ public:
      * of this station can start until the next start.
      */
     bool isDead() const;
-    /** Called by a port group in that case. */
+    /** Called in that case, on the thread that holds the input mutex. The graph is told. */
     void markDead();
+    /** Tells the graphs around the station of a failure. Never throws; listeners run on the caller's thread. */
+    void reportError(const cError& i_error);
+
+    /**
+     * With true there is no processing thread: jobs stay queued until `runNextJob` is called. For a host (or a test) that
+     * steps through the flow by itself; only while the station is stopped.
+     */
+    void setManual(bool i_manual);
+    bool isManual() const;
+    /** Runs the first queued job on the caller's thread; false if there is none. */
+    bool runNextJob();
+    /** Jobs that are queued, without the one that is running. */
+    int getQueuedJobCount() const;
 
     /** The groups that were built on this station, in order of construction. */
     QList<cPortGroupBase*> getPortGroups() const;
@@ -75,6 +90,6 @@ private:
     QMutex m_inputMutex;
     QString m_identifier;
     QList<cPortGroupBase*> m_groups;
-    std::atomic<bool> m_dead{false};
-    std::unique_ptr<cStationThread> m_thread;
+    std::atomic<bool> m_dead {false};
+    const std::unique_ptr<cStationThread> m_thread;
 };
