@@ -39,14 +39,23 @@ CUSTOMIPP_EXPORT void ippsFree(void* ptr);
 #include <customipp/addC.def>
 #include <customipp/addProduct.def>
 #include <customipp/addSquare.def>
+#include <customipp/convert.def>
+#include <customipp/copy.def>
+#include <customipp/copyChannel.def>
+#include <customipp/copyMasked.def>
 #include <customipp/div.def>
 #include <customipp/divC.def>
+#include <customipp/dup.def>
 #include <customipp/maxEvery.def>
 #include <customipp/minEvery.def>
 #include <customipp/mul.def>
 #include <customipp/mulC.def>
+#include <customipp/rgbToGray.def>
+#include <customipp/set.def>
 #include <customipp/sub.def>
 #include <customipp/subC.def>
+#include <customipp/swapChannels.def>
+#include <customipp/thresholdLTValGTVal.def>
 
 #ifdef __cplusplus
 }

@@ -63,3 +63,36 @@
 #define CUSTOMIPP_ACCUMULATE_UNARY(symbol, op, T) \
     CUSTOMIPP_EXPORT IppStatus symbol( \
         const T* pSrc, int srcStep, Ipp32f* pSrcDst, int srcDstStep, IppiSize roiSize);
+
+/* One image to another of other channels or of another type. */
+#define CUSTOMIPP_MOVE(symbol, op, S, srcChannels, D, dstChannels) \
+    CUSTOMIPP_EXPORT IppStatus symbol(const S* pSrc, int srcStep, D* pDst, int dstStep, IppiSize roiSize);
+/* The same with a rounding mode. */
+#define CUSTOMIPP_MOVE_ROUNDED(symbol, op, S, D) \
+    CUSTOMIPP_EXPORT IppStatus symbol( \
+        const S* pSrc, int srcStep, D* pDst, int dstStep, IppiSize roiSize, IppRoundMode roundMode);
+/* One image to one of the same type, where a mask with a byte for each pixel is not 0. */
+#define CUSTOMIPP_MOVE_MASKED(symbol, op, T, channels) \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize, \
+        const Ipp8u* pMask, int maskStep);
+
+/* One value for every pixel, for every channel, or for one channel of several. */
+#define CUSTOMIPP_FILL(symbol, op, T) \
+    CUSTOMIPP_EXPORT IppStatus symbol(T value, T* pDst, int dstStep, IppiSize roiSize);
+#define CUSTOMIPP_FILL_PIXEL(symbol, op, T, channels) \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T value[channels], T* pDst, int dstStep, IppiSize roiSize);
+#define CUSTOMIPP_FILL_CHANNEL(symbol, op, T, channels) \
+    CUSTOMIPP_EXPORT IppStatus symbol(T value, T* pDst, int dstStep, IppiSize roiSize);
+
+/* Channels that change places. */
+#define CUSTOMIPP_SWAP_CHANNELS_I(symbol, op, T, channels) \
+    CUSTOMIPP_EXPORT IppStatus symbol( \
+        T* pSrcDst, int srcDstStep, IppiSize roiSize, const int dstOrder[channels]);
+
+/* Two thresholds with a value for each, the same for all pixels or for each of three channels. */
+#define CUSTOMIPP_TWO_LEVELS(symbol, op, T) \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize, \
+        T thresholdLT, T valueLT, T thresholdGT, T valueGT);
+#define CUSTOMIPP_TWO_LEVELS_CHANNELS(symbol, op, T, channels) \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize, \
+        const T thresholdLT[3], const T valueLT[3], const T thresholdGT[3], const T valueGT[3]);

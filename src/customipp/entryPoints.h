@@ -137,3 +137,77 @@
         return customipp::runAccumulate<T>(customipp::kernels##op(), {pSrc, srcStep}, {pSrc, srcStep}, \
             {pSrcDst, srcDstStep}, roiSize); \
     }
+
+#undef CUSTOMIPP_MOVE
+#define CUSTOMIPP_MOVE(symbol, op, S, srcChannels, D, dstChannels) \
+    IppStatus symbol(const S* pSrc, int srcStep, D* pDst, int dstStep, IppiSize roiSize) \
+    { \
+        return customipp::runMove<S, srcChannels, D, dstChannels>( \
+            customipp::kernels##op(), {pSrc, srcStep}, {pDst, dstStep}, roiSize); \
+    }
+
+#undef CUSTOMIPP_MOVE_ROUNDED
+#define CUSTOMIPP_MOVE_ROUNDED(symbol, op, S, D) \
+    IppStatus symbol( \
+        const S* pSrc, int srcStep, D* pDst, int dstStep, IppiSize roiSize, IppRoundMode roundMode) \
+    { \
+        return customipp::runRounded<D>( \
+            customipp::kernels##op(), {pSrc, srcStep}, {pDst, dstStep}, roiSize, roundMode); \
+    }
+
+#undef CUSTOMIPP_MOVE_MASKED
+#define CUSTOMIPP_MOVE_MASKED(symbol, op, T, channels) \
+    IppStatus symbol(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize, const Ipp8u* pMask, \
+        int maskStep) \
+    { \
+        return customipp::runMasked<T, channels>(customipp::kernels##op(), {pSrc, srcStep}, {pDst, dstStep}, \
+            roiSize, {pMask, maskStep}); \
+    }
+
+#undef CUSTOMIPP_FILL
+#define CUSTOMIPP_FILL(symbol, op, T) \
+    IppStatus symbol(T value, T* pDst, int dstStep, IppiSize roiSize) \
+    { \
+        return customipp::runFill<T, 1>(customipp::kernels##op(), &value, {pDst, dstStep}, roiSize); \
+    }
+
+#undef CUSTOMIPP_FILL_PIXEL
+#define CUSTOMIPP_FILL_PIXEL(symbol, op, T, channels) \
+    IppStatus symbol(const T value[channels], T* pDst, int dstStep, IppiSize roiSize) \
+    { \
+        return customipp::runFill<T, channels>(customipp::kernels##op(), value, {pDst, dstStep}, roiSize); \
+    }
+
+#undef CUSTOMIPP_FILL_CHANNEL
+#define CUSTOMIPP_FILL_CHANNEL(symbol, op, T, channels) \
+    IppStatus symbol(T value, T* pDst, int dstStep, IppiSize roiSize) \
+    { \
+        return customipp::runFillChannel<T, channels>( \
+            customipp::kernels##op(), value, {pDst, dstStep}, roiSize); \
+    }
+
+#undef CUSTOMIPP_SWAP_CHANNELS_I
+#define CUSTOMIPP_SWAP_CHANNELS_I(symbol, op, T, channels) \
+    IppStatus symbol(T* pSrcDst, int srcDstStep, IppiSize roiSize, const int dstOrder[channels]) \
+    { \
+        return customipp::runSwapChannels( \
+            customipp::kernels##op(), {pSrcDst, srcDstStep}, roiSize, dstOrder); \
+    }
+
+#undef CUSTOMIPP_TWO_LEVELS
+#define CUSTOMIPP_TWO_LEVELS(symbol, op, T) \
+    IppStatus symbol(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize, T thresholdLT, \
+        T valueLT, T thresholdGT, T valueGT) \
+    { \
+        return customipp::runTwoLevels<T, 1>(customipp::kernels##op(), {pSrc, srcStep}, {pDst, dstStep}, \
+            roiSize, {&thresholdLT, &valueLT, &thresholdGT, &valueGT}); \
+    }
+
+#undef CUSTOMIPP_TWO_LEVELS_CHANNELS
+#define CUSTOMIPP_TWO_LEVELS_CHANNELS(symbol, op, T, channels) \
+    IppStatus symbol(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize, \
+        const T thresholdLT[3], const T valueLT[3], const T thresholdGT[3], const T valueGT[3]) \
+    { \
+        return customipp::runTwoLevels<T, channels>(customipp::kernels##op(), {pSrc, srcStep}, \
+            {pDst, dstStep}, roiSize, {thresholdLT, valueLT, thresholdGT, valueGT}); \
+    }
