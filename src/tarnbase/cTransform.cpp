@@ -1,0 +1,3 @@
+#include <tarnbase/cTransform.h>
+
+cTransform::~cTransform() = default;
