@@ -38,9 +38,9 @@ private:
 
 #include <tarnimg/cOPortImg.h>
 
-extern template class TARNIMG_EXPORT cBufferT<cImg>;
-extern template class TARNIMG_EXPORT cIPortT<cImg>;
-extern template class TARNIMG_EXPORT cOPortT<cImg>;
-extern template class TARNIMG_EXPORT cImport<cImg>;
-extern template class TARNIMG_EXPORT cExport<cImg>;
-extern template class TARNIMG_EXPORT cBufferConverter<cImg>;
+extern template class cBufferT<cImg>;
+extern template class cIPortT<cImg>;
+extern template class cOPortT<cImg>;
+extern template class cImport<cImg>;
+extern template class cExport<cImg>;
+extern template class cBufferConverter<cImg>;

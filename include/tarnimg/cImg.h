@@ -68,11 +68,18 @@ public:
      * Gives this handle a record and pixels of its own if others share them. Pixels that are shared with the parent or
      * with sub-images stay shared. The void image stays void.
      */
-    void detach();
+    void detach()
+    {
+        if (m_data->isShared())
+            detachShared();
+    }
+    /** Frees the pixel memory that is kept for the next images. */
+    static void releaseUnusedMemory();
 
     unsigned getWidth() const { return m_data->m_width; }
     unsigned getHeight() const { return m_data->m_height; }
-    QSize getSize() const { return {int(getWidth()), int(getHeight())}; }
+    /** A side that does not fit an int is cut to the greatest one. */
+    QSize getSize() const;
     /** (0, 0, width, height). */
     cRect<int> getRect() const;
     /** Of the buffer: a sub-image has the pitches of its parent. */
@@ -197,8 +204,10 @@ private:
     explicit cImg(cImgData* i_data) : m_data(i_data) {}
 
     static const cImgType& invalidType();
+    void detachShared();
     /** `detach`, and a record of its own for the void image, which everybody shares. */
     void detachForWriting();
+    void copyArea(const cImg& i_source, const cImgArea& i_area, const c2DPoint<int>& i_destPoint);
     /** Address of a pixel; nothing is checked. */
     const unsigned char* getConstPixelPrivate(unsigned i_x, unsigned i_y) const { return m_data->pixel(i_x, i_y); }
     /** Detaches first. */

@@ -12,6 +12,8 @@
 #include <cstdint>
 #include <memory>
 
+struct cImgArea;
+
 /**
  * The record behind one or several handles of class `cImg`; a part of it, of no use by itself.
  *
@@ -37,6 +39,13 @@ public:
     bool isShared() const { return m_refCount.load(std::memory_order_acquire) > 1; }
 
     void setType(cImgType* i_type);
+    /** New pixels with undefined content. Throws std::bad_alloc, and then nothing has changed. */
+    void replaceBuffer(unsigned i_width, unsigned i_height);
+    /**
+     * Copies what both areas have, by this record's pixel size; both lie within their images, and both records have
+     * pixels.
+     */
+    void copyPixels(const cImgData& i_source, const cImgArea& i_from, const cImgArea& i_to);
     unsigned pixelSize() const { return m_type ? m_type->getPixelSize() : 0; }
     /** Bytes of the buffer from the view's first pixel on. */
     unsigned bytesFromStart() const { return m_buf ? m_buf->byteSize() - m_bufferOffset : 0; }

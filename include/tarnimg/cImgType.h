@@ -122,6 +122,12 @@ protected:
      */
     bool prepareConvert(const cImg& i_source, const cImgType& i_target, cImg& io_result, const cMapObj* i_params,
         cDblRange& io_inputRange, cDblRange& io_outputRange) const;
+    /**
+     * The conversion of all pixel types of this library: `prepareConvert`, then the pixels by the route of both types,
+     * then the result's range. Types that are not made of numbers are only copied.
+     */
+    bool convertImage(
+        const cImg& i_source, const cImgType& i_target, cImg& io_result, const cMapObj* i_params) const;
 
     /** Index of the style in the list, limited to the last channel. */
     unsigned getStyleID() const;
@@ -152,6 +158,7 @@ private:
     ImageTypes m_typeId = Invalid;
     unsigned m_numChannels = 0;
     QString m_style;
+    unsigned m_styleIndex = 0;
     QStringList m_styleList; ///< Empty for a type with any number of channels, whose styles are its channels.
     QString m_name;
     double m_gamma = 1.0;

@@ -1,0 +1,133 @@
+// The bridge between images and QImage, and image files.
+
+#include <tarnimg/cImg.h>
+
+#include <customipp/customipp.h>
+#include <tarnbase/cTracer.h>
+#include <tarnimg/cImgIO.h>
+
+#include <QImage>
+#include <QVector>
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+/** The bytes of a QImage of 32 bits are blue, green, red, alpha; those of an image red, green, blue, alpha. */
+void swapRedAndBlue(unsigned char* io_pixels, unsigned i_step, int i_width, int i_height)
+{
+    static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN);
+    constexpr int order[] = {2, 1, 0, 3};
+    ippiSwapChannels_8u_C4IR(io_pixels, int(i_step), {i_width, i_height}, order);
+}
+
+QVector<QRgb> greyTable()
+{
+    QVector<QRgb> table(256);
+    for (int i = 0; i < table.size(); ++i)
+        table[i] = qRgb(i, i, i);
+    return table;
+}
+
+QImage emptyLike(const cImg& i_image, QImage::Format i_format)
+{
+    QImage out(i_image.getSize(), i_format);
+    if (i_format == QImage::Format_Indexed8 && !out.isNull())
+        out.setColorTable(greyTable());
+    return out;
+}
+
+/** Copies the bytes of all rows. */
+QImage copyOf(const cImg& i_image, QImage::Format i_format)
+{
+    QImage out = emptyLike(i_image, i_format);
+    const std::size_t rowBytes = std::size_t(i_image.getWidth()) * (out.depth() / 8);
+    for (int y = 0; y < out.height(); ++y)
+        std::memcpy(out.scanLine(y), i_image.getRow<unsigned char>(unsigned(y)), rowBytes);
+    return out;
+}
+
+QImage saturated(const cImg& i_image)
+{
+    QImage out = emptyLike(i_image, QImage::Format_Indexed8);
+    for (int y = 0; y < out.height(); ++y) {
+        const auto* from = i_image.getRow<quint16>(unsigned(y));
+        uchar* to = out.scanLine(y);
+        for (int x = 0; x < out.width(); ++x)
+            to[x] = uchar(std::min<quint16>(from[x], 255));
+    }
+    return out;
+}
+
+/** An image of the size of a QImage, with the first bytes of each of its rows. */
+cImg copyOf(const QImage& i_image, cImgType::ImageTypes i_type)
+{
+    cImg out(i_type, unsigned(i_image.width()), unsigned(i_image.height()));
+    for (int y = 0; y < i_image.height(); ++y)
+        std::memcpy(out.row<unsigned char>(unsigned(y)), i_image.constScanLine(y), out.getYPitch());
+    return out;
+}
+
+} // namespace
+
+QImage cImg::toQImage() const
+{
+    if (!isValid())
+        return {};
+    if (getXPitch() != getImgType().getPixelSize())
+        return clone().toQImage(); // memory from outside with gaps between its pixels
+    switch (getImgType().getTypeId()) {
+    case cImgType::RGB24:
+        return copyOf(*this, QImage::Format_RGB888);
+    case cImgType::RGB32: {
+        QImage out = copyOf(*this, QImage::Format_ARGB32);
+        if (!out.isNull())
+            swapRedAndBlue(out.bits(), unsigned(out.bytesPerLine()), out.width(), out.height());
+        return out;
+    }
+    case cImgType::UInt8:
+        return copyOf(*this, QImage::Format_Indexed8);
+    case cImgType::UInt16:
+        return saturated(*this);
+    default:
+        return {};
+    }
+}
+
+cImg cImg::fromQImage(const QImage& i_image)
+{
+    if (i_image.isNull())
+        return {};
+    switch (i_image.format()) {
+    case QImage::Format_Indexed8:
+    case QImage::Format_Grayscale8:
+        return i_image.isGrayscale() ? copyOf(i_image, cImgType::UInt8)
+                                     : fromQImage(i_image.convertToFormat(QImage::Format_RGB888));
+    case QImage::Format_RGB888:
+        return copyOf(i_image, cImgType::RGB24);
+    default: {
+        const QImage argb = i_image.convertToFormat(QImage::Format_ARGB32);
+        if (argb.isNull())
+            return {};
+        cImg out = copyOf(argb, cImgType::RGB32);
+        swapRedAndBlue(out.getData(), out.getYPitch(), argb.width(), argb.height());
+        return out;
+    }
+    }
+}
+
+cImg cImg::openImg(const QString& i_path)
+{
+    cImg image;
+    if (const auto handler = cImgIO::findReadHandler(i_path))
+        image = handler->openImg(i_path, cMapObj());
+    if (!image.isValid())
+        cTracer::cerr << "could not read: " << i_path << cTracer::end();
+    return image;
+}
+
+bool cImg::writeImg(const QString& i_path) const
+{
+    const auto handler = cImgIO::findSaveHandler(i_path);
+    return handler && handler->writeImg(i_path, *this, nullptr);
+}
