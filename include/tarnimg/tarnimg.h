@@ -1,7 +1,20 @@
 #pragma once
 
+#include <tarnimg/arithmetic/cAddImagesFunctor.h>
+#include <tarnimg/arithmetic/cAddProductImageFunctor.h>
+#include <tarnimg/arithmetic/cAddSquareImageFunctor.h>
+#include <tarnimg/arithmetic/cDivideImagesFunctor.h>
+#include <tarnimg/arithmetic/cImageAbsFunctor.h>
+#include <tarnimg/arithmetic/cImageDifferencesFunctor.h>
+#include <tarnimg/arithmetic/cMaxEveryFunctor.h>
+#include <tarnimg/arithmetic/cMinEveryFunctor.h>
+#include <tarnimg/arithmetic/cMultiplyImagesFunctor.h>
+#include <tarnimg/arithmetic/cSubtractImagesFunctor.h>
+#include <tarnimg/cFunctorStationT.h>
+#include <tarnimg/checkIPPStatus.h>
 #include <tarnimg/cImageTypeFactory.h>
 #include <tarnimg/cImg.h>
+#include <tarnimg/cImgFunctor.h>
 #include <tarnimg/cImgIO.h>
 #include <tarnimg/cImgType.h>
 #include <tarnimg/cImgTypeComplex.h>
@@ -18,4 +31,8 @@
 #include <tarnimg/cImgTypeUInt16.h>
 #include <tarnimg/cImgTypeUInt32.h>
 #include <tarnimg/cImgTypeUInt8.h>
+#include <tarnimg/cIPortImg.h>
+#include <tarnimg/cOPortImg.h>
+#include <tarnimg/cSupportedImages.h>
 #include <tarnimg/export.h>
+#include <tarnimg/imagePortGroups.h>
