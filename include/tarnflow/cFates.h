@@ -26,6 +26,21 @@ struct TARNFLOW_EXPORT cFates {
     {
         return used + unseen + incomplete + refused + gated + lost + failed + ignored + discarded + waiting;
     }
+    cFates& operator+=(const cFates& i_other)
+    {
+        arrived += i_other.arrived;
+        used += i_other.used;
+        unseen += i_other.unseen;
+        incomplete += i_other.incomplete;
+        refused += i_other.refused;
+        gated += i_other.gated;
+        lost += i_other.lost;
+        failed += i_other.failed;
+        ignored += i_other.ignored;
+        discarded += i_other.discarded;
+        waiting += i_other.waiting;
+        return *this;
+    }
     /** Whether every frame that arrived was used. */
     bool isAllUsed() const { return arrived == used; }
 };

@@ -136,17 +136,28 @@ private:
 
     // The match loop and its parts: with the group mutex held.
     void findMatch();
-    bool findCandidate(cBufferStamp& o_candidate, bool& o_marker) const;
+    bool findCandidate(cBufferStamp& o_candidate) const;
     void dispatch();
+    /** Nothing waits here and nothing is to be expected: so it is behind the outputs too. */
     bool isExhausted() const;
-    void takeHistories(const std::function<bool(const cBuffer*)>& i_giveBack);
-    void releaseSetAside();
 
-    // The job in the callback queue: without a lock.
+    // Emptying, with the group mutex held: the buffers of a sender (null: of all) go back, the others are set aside.
+    void emptyQueues(const cOPortBase* i_sender);
+    void emptyHistories(const cOPortBase* i_sender);
+    void giveBackOrSetAside(cBuffer* i_buffer, const cOPortBase* i_sender);
+    void giveBackSetAside(const cOPortBase* i_sender);
+    void queueGiveBack(bool i_noneBefore);
+    void applyPostponed();
+    void forgetStamps();
+
+    // The job in the callback queue, without a lock.
     bool runMatch(quint64 i_generation);
+    bool beginStep(quint64 i_generation);
+    bool isExhaustedNow() const;
     bool runLockedStep(cFates& io_seen);
     void report(int i_level, const QString& i_message) noexcept;
     void endMatch(const cFates& i_seen, quint64 cFates::*i_unseen);
+
     void sendFinish(bool i_idle) const;
 
     QMutex* const m_inputMutex; ///< the station's
@@ -159,6 +170,8 @@ private:
     std::atomic<int> m_mode {Match};
     cThreadWatch m_watch;
     std::vector<cBuffer*> m_setAside; ///< taken from the lists without a release
+    std::vector<const cOPortBase*> m_postponedSenders; ///< removed while a step was reading the histories
+    bool m_postponedReset = false;
     QList<cOPortBase*> m_outPorts;
     bool m_outPortsGiven = false;
     std::atomic<bool> m_dropping {false};

@@ -43,8 +43,10 @@ public:
      * them, the others i_unseen.
      */
     void account(const cFates& i_seen, quint64 cFates::*i_unseen, cFates& io_fates);
+    /** Sets how many matches the step looks back. The match under way goes by what was set before its step. */
+    void setDelay(std::size_t i_matches) { m_delay = i_matches; }
     /** Gives back the first entry if there are more than the delay says. */
-    void trim(std::size_t i_delay);
+    void trim();
     /** Removes all entries and hands their buffers over; those without a fate are counted as discarded. */
     void takeAll(Buffers& io_taken, cFates& io_fates);
 
@@ -55,4 +57,5 @@ private:
     };
     std::vector<Entry> m_entries; // the first m_length ones are in use
     std::size_t m_length = 0;
+    std::size_t m_delay = 0;
 };

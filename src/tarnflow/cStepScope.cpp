@@ -1,0 +1,53 @@
+#include <tarnflow/cStepScope.h>
+
+namespace {
+thread_local cStepScope* s_current = nullptr;
+} // namespace
+
+cStepScope::cStepScope() : m_outer(s_current)
+{
+    s_current = this;
+}
+
+cStepScope::~cStepScope()
+{
+    s_current = m_outer;
+}
+
+cStepScope::EOutcome cStepScope::getOutcome() const
+{
+    if (m_lost)
+        return EOutcome::Lost;
+    if (m_sent)
+        return EOutcome::Used;
+    if (m_ignored)
+        return EOutcome::Ignored;
+    // A step that asked nobody has done its work without an output.
+    return m_asked && !m_wanted ? EOutcome::Gated : EOutcome::Used;
+}
+
+void cStepScope::noteRequest(bool i_wanted)
+{
+    if (!s_current)
+        return;
+    s_current->m_asked = true;
+    s_current->m_wanted = s_current->m_wanted || i_wanted;
+}
+
+void cStepScope::noteSent()
+{
+    if (s_current)
+        s_current->m_sent = true;
+}
+
+void cStepScope::noteLost()
+{
+    if (s_current)
+        s_current->m_lost = true;
+}
+
+void cStepScope::noteIgnored()
+{
+    if (s_current)
+        s_current->m_ignored = true;
+}
