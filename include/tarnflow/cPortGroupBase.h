@@ -159,6 +159,7 @@ private:
     void endMatch(const cFates& i_seen, quint64 cFates::*i_unseen);
 
     void sendFinish(bool i_idle) const;
+    void sendIdle() const;
 
     QMutex* const m_inputMutex; ///< the station's
     cStation* const m_station;

@@ -80,7 +80,10 @@ void cIPortQueueBase::dropUpTo(const cBufferStamp& i_stamp, quint64 cFates::*i_f
             return false;
         if (reportDrops)
             reportDrop(*i_buffer, i_stamp);
-        i_buffer->getParentPort()->releaseAndUnrefBuffer(i_buffer);
+        if (cOPortBase* const parent = i_buffer->getParentPort())
+            parent->releaseAndUnrefBuffer(i_buffer);
+        else
+            i_buffer->releaseAndUnrefBufferAtPort();
         ++(fates.*i_fate);
         return true;
     };
@@ -110,7 +113,8 @@ void cIPortQueueBase::updateStampEnds()
 
 void cIPortQueueBase::reportDrop(const cBuffer& i_buffer, const cBufferStamp& i_stamp) const
 {
+    cOPortBase* const parent = i_buffer.getParentPort();
     cTracer::cerr << port->getNode()->getPathName() << " has dropped data (" << i_stamp.getStamp()
-                  << ") got from station: " << i_buffer.getParentPort()->getPortPath() << "\n"
+                  << ") got from station: " << (parent ? parent->getPortPath() : QString()) << "\n"
                   << cTracer::end();
 }

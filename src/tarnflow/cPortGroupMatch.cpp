@@ -36,8 +36,12 @@ void cPortGroupBase::findMatch()
                 return;
             }
         }
-        if (marker)
+        if (marker) {
+            // Nobody is told of a marker; but where nothing more comes, those behind need not wait.
+            if (!discarding && isExhausted())
+                sendIdle();
             continue;
+        }
         for (const Input& input : m_inputs)
             input.queue->dropUpTo(candidate, discarding ? &cFates::discarded : &cFates::incomplete);
         if (!discarding)
@@ -91,6 +95,13 @@ bool cPortGroupBase::isExhausted() const
     const auto idle = [](const Input& i_input) { return i_input.queue->senderIdle; };
     return std::any_of(m_inputs.cbegin(), m_inputs.cend(), idle)
         && std::all_of(m_inputs.cbegin(), m_inputs.cend(), exhausted);
+}
+
+void cPortGroupBase::sendIdle() const
+{
+    const QList<cOPortBase*> ports = getOutPorts();
+    for (cOPortBase* port : ports)
+        port->sendIdle();
 }
 
 void cPortGroupBase::sendFinish(bool i_idle) const

@@ -38,7 +38,10 @@ void cPortHistoryBase::moveStamps(const cBufferStamp& i_difference)
         for (cBuffer*& buffer : m_entries[i].buffers) {
             if (buffer->getRefCount() > 1) {
                 cBuffer* const shared = buffer;
-                buffer = shared->getParentPort()->makePrivateCopy(shared);
+                cOPortBase* const parent = shared->getParentPort();
+                if (!parent)
+                    continue; // the sender is gone, so this is the last match that sees it
+                buffer = parent->makePrivateCopy(shared);
                 shared->releaseAndUnrefBufferAtPort();
             }
             buffer->setStamp(buffer->getStamp().movedBy(i_difference));

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 namespace {
 using Stamp = PortGroupModel::Stamp;
@@ -109,8 +110,12 @@ void PortGroupModel::search()
                 return;
             }
         }
-        if (marker)
+        if (marker) {
+            // A marker alone is told to nobody; but where nothing more comes, those behind need not wait.
+            if (!discarding && isExhausted())
+                log << QStringLiteral("finish %1 idle").arg(m_newestAnnounced);
             continue;
+        }
         drop(candidate);
         if (!discarding)
             sendFinish();
@@ -126,7 +131,8 @@ void PortGroupModel::drop(Stamp i_candidate)
             queue.data.erase(std::find(queue.data.begin(), queue.data.end(), frame));
             frame->inGroup = false;
             setFate(*frame, discards ? Fate::Discarded : Fate::Incomplete);
-            log << QStringLiteral("drop at %1 from sender %2").arg(i_candidate.value).arg(frame->sender);
+            if (queue.reportDrops)
+                log << QStringLiteral("drop at %1 from sender %2").arg(i_candidate.value).arg(frame->sender);
         }
     }
 }
@@ -174,7 +180,7 @@ void PortGroupModel::queueJob(qint64 i_order, bool i_isMatch)
     m_jobs.insert(place, {i_order, m_generation, i_isMatch});
 }
 
-void PortGroupModel::sendFinish()
+bool PortGroupModel::isExhausted() const
 {
     bool anyIdle = false;
     bool exhausted = true;
@@ -182,7 +188,14 @@ void PortGroupModel::sendFinish()
         anyIdle = anyIdle || queue.idle;
         exhausted = exhausted && queue.data.empty() && queue.stamps.empty() && (queue.idle || queue.senders == 0);
     }
-    log << QStringLiteral("finish %1%2").arg(current.value).arg(QLatin1String(anyIdle && exhausted ? " idle" : ""));
+    return anyIdle && exhausted;
+}
+
+void PortGroupModel::sendFinish()
+{
+    log << QStringLiteral("finish %1%2").arg(current.value).arg(QLatin1String(isExhausted() ? " idle" : ""));
+    if (current.value != invalid)
+        m_newestAnnounced = current.value;
 }
 
 bool PortGroupModel::runJob(const std::vector<Step>& i_steps)
@@ -244,6 +257,8 @@ void PortGroupModel::runMatch(const std::vector<Step>& i_steps)
                     setFate(*frame, fateOf(step));
             }
             log << line;
+            if (const auto happening = std::exchange(duringStep, {}))
+                happening();
             if (step >= Step::ThrowError) {
                 log << QStringLiteral("error %1").arg(int(step) - int(Step::ThrowError));
                 dead = dead || step == Step::ThrowUnknown;

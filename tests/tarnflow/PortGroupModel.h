@@ -3,9 +3,9 @@
 #include <QString>
 #include <QStringList>
 #include <QtGlobal>
+#include <functional>
 #include <limits>
 #include <map>
-#include <string>
 #include <vector>
 
 /**
@@ -38,10 +38,10 @@ public:
         std::vector<Frame*> data;
         std::vector<Stamp> stamps;
         std::vector<std::vector<Frame*>> history;
-        std::string name;
         bool required = true;
         bool master = false;
         bool idle = false;
+        bool reportDrops = true;
         unsigned delay = 0;
         unsigned senders = 1; ///< that are linked and enabled
         int arrived = 0;
@@ -66,6 +66,8 @@ public:
     bool discards = false; ///< the mode
     bool dead = false;
     Stamp current;
+    /** What happens while the next call of the step runs; forgotten then. */
+    std::function<void()> duringStep;
     /** Calls of the step, drops, finish notices and failures since it was last cleared, in order. */
     QStringList log;
     std::map<int, Frame> frames;
@@ -87,6 +89,7 @@ private:
     void queueJob(qint64 i_order, bool i_isMatch);
     void drop(Stamp i_candidate);
     void sendFinish();
+    bool isExhausted() const;
     void runMatch(const std::vector<Step>& i_steps);
     void setFate(Frame& io_frame, Fate i_fate);
     void releaseSetAside();
@@ -94,6 +97,7 @@ private:
     bool m_perBuffer;
     bool m_ready = true;
     Stamp m_previous;
+    qint64 m_newestAnnounced = invalid;
     int m_generation = 0;
     std::vector<Job> m_jobs;
     std::vector<Frame*> m_setAside;
