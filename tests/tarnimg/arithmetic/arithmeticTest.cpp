@@ -1,6 +1,7 @@
 #include "support/messageOf.h"
 
 #include <cmath>
+#include <customipp/customipp.h>
 #include <functional>
 #include <gtest/gtest.h>
 #include <limits>

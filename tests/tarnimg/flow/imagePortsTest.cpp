@@ -1,6 +1,7 @@
 #include "support/TraceLines.h"
 
 #include <gtest/gtest.h>
+#include <tarnflow/cStation.h>
 #include <tarnimg/cIPortImg.h>
 
 namespace {
