@@ -1,0 +1,240 @@
+#include "cFileFormat.h"
+
+#include "cJpegBmpFormat.h"
+#include "cPngFormat.h"
+#include "cTiffFormat.h"
+
+#include <tarnbase/cFileSystem.h>
+#include <tarnbase/cTracer.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QMetaEnum>
+#include <QSaveFile>
+#include <algorithm>
+#include <stdexcept>
+
+namespace {
+
+constexpr quint64 s_mostBytes = Q_UINT64_C(1) << 31;
+
+[[noreturn]] void fail(const QString& i_message)
+{
+    throw std::runtime_error(i_message.toLocal8Bit().toStdString());
+}
+
+QString typeText(cImgType::ImageTypes i_type, unsigned i_channels)
+{
+    const QString name
+        = QString::fromLatin1(QMetaEnum::fromType<cImgType::ImageTypes>().valueToKey(int(i_type)));
+    const bool fixed = i_type == cImgType::RGB24 || i_type == cImgType::RGB32 || i_type >= cImgType::Gradient16;
+    return fixed ? name : QStringLiteral("%1 with %2 channel%3").arg(name).arg(i_channels).arg(
+                       i_channels == 1 ? QString() : QStringLiteral("s"));
+}
+
+QStringList patterns(const cImgIO& i_handler)
+{
+    return i_handler.getFilter().split(u' ', Qt::SkipEmptyParts);
+}
+
+/**
+ * The handler with a pattern for exactly this extension. (The registry itself looks for the extension anywhere in the
+ * patterns, in hash order: "p" would find any of them.)
+ */
+cImgIO* findHandler(const QString& i_path, cImgIO::EFileIOFlag i_flag)
+{
+    const QString pattern = QStringLiteral("*.") + cFileSystem::extractExtension(i_path).toLower();
+    cImgIO* best = nullptr;
+    for (cImgIO* handler : cImgIO::getImgIOSet()) {
+        const bool fits = (handler->getFlags() & i_flag) && patterns(*handler).contains(pattern);
+        if (fits && (!best || handler->getName() < best->getName()))
+            best = handler;
+    }
+    return best;
+}
+
+QStringList extensions(cImgIO::EFileIOFlag i_flag)
+{
+    QStringList result;
+    for (const cImgIO* handler : cImgIO::getImgIOSet()) {
+        if (!(handler->getFlags() & i_flag))
+            continue;
+        for (const QString& pattern : patterns(*handler))
+            result.append(pattern.mid(2));
+    }
+    result.sort();
+    result.removeDuplicates();
+    return result;
+}
+
+QString unknownExtension(const QString& i_path, const QStringList& i_known)
+{
+    const QString extension = cFileSystem::extractExtension(i_path);
+    const QString found
+        = extension.isEmpty() ? QStringLiteral("no extension") : QStringLiteral("'.%1'").arg(extension);
+    return QStringLiteral("unknown file format, expected one of %1, found %2")
+        .arg(i_known.join(QStringLiteral(", ")), found);
+}
+
+/** The formats that can hold a type, for the message that refuses it. */
+QStringList holders(cImgType::ImageTypes i_type, unsigned i_channels)
+{
+    QStringList names;
+    for (const cImgIO* handler : cImgIO::getImgIOSet()) {
+        const auto* format = dynamic_cast<const cFileFormat*>(handler);
+        if (format && format->canHold(i_type, i_channels))
+            names.append(format->getName());
+    }
+    names.sort();
+    return names;
+}
+
+} // namespace
+
+void cFileFormat::checkSize(quint64 i_width, quint64 i_height, quint64 i_bytesPerPixel)
+{
+    if (i_width == 0 || i_height == 0)
+        fail(QStringLiteral("the image is empty (%1x%2)").arg(i_width).arg(i_height));
+    // Divided, so that no product can overflow.
+    if (i_width > s_mostBytes / i_height || i_width * i_height > s_mostBytes / i_bytesPerPixel)
+        fail(QStringLiteral("the image is too large, %1x%2 pixels of %3 bytes, at most 2 GiB are read or written")
+                 .arg(i_width)
+                 .arg(i_height)
+                 .arg(i_bytesPerPixel));
+}
+
+cImg cFileFormat::openImg(const QString& i_path, const cMapObj&)
+{
+    try {
+        return read(i_path);
+    } catch (const std::exception& error) {
+        cTracer::cerr << i_path << ": " << QString::fromLocal8Bit(error.what()) << cTracer::end();
+        return cImg();
+    }
+}
+
+cImg cFileFormat::openImgFromMemory(const char* i_data, unsigned i_size, const cMapObj&)
+{
+    try {
+        return decode(reinterpret_cast<const unsigned char*>(i_data), i_size);
+    } catch (const std::exception& error) {
+        cTracer::cerr << getName() << ": " << QString::fromLocal8Bit(error.what()) << cTracer::end();
+        return cImg();
+    }
+}
+
+bool cFileFormat::writeImg(const QString& i_path, const cImg& i_image, const cObj*)
+{
+    try {
+        write(i_path, i_image);
+        return true;
+    } catch (const std::exception& error) {
+        cTracer::cerr << i_path << ": " << QString::fromLocal8Bit(error.what()) << cTracer::end();
+        return false;
+    }
+}
+
+cImg cFileFormat::read(const QString& i_path) const
+{
+    if (QFileInfo(i_path).isDir())
+        fail(QStringLiteral("it is a folder"));
+    QFile file(i_path);
+    if (!file.open(QIODevice::ReadOnly))
+        fail(file.errorString());
+    if (quint64(file.size()) >= s_mostBytes)
+        fail(QStringLiteral("the file is too large, at most 2 GiB are read"));
+    // Read and not mapped: a file that somebody cuts meanwhile must not end the process.
+    const QByteArray data = file.readAll();
+    if (file.error() != QFileDevice::NoError)
+        fail(file.errorString());
+    if (data.isEmpty())
+        fail(QStringLiteral("the file is empty"));
+    return decode(reinterpret_cast<const unsigned char*>(data.constData()), std::size_t(data.size()));
+}
+
+void cFileFormat::write(const QString& i_path, const cImg& i_image) const
+{
+    if (!i_image.isValid())
+        fail(QStringLiteral("the image is not valid"));
+    const cImgType::ImageTypes type = i_image.getImgType().getTypeId();
+    const unsigned channels = i_image.getNumChannels();
+    if (!canHold(type, channels)) {
+        const QStringList others = holders(type, channels);
+        fail(QStringLiteral("%1 cannot hold %2, formats that can: %3")
+                 .arg(getName(), typeText(type, channels),
+                     others.isEmpty() ? QStringLiteral("none") : others.join(QStringLiteral(", "))));
+    }
+    checkSize(i_image.getWidth(), i_image.getHeight(), i_image.getImgType().getPixelSize());
+    QSaveFile file(i_path);
+    if (!file.open(QIODevice::WriteOnly))
+        fail(file.errorString());
+    encode(i_image, file);
+    if (!file.commit())
+        fail(file.errorString());
+}
+
+namespace host {
+
+void registerFileFormats()
+{
+    static const bool s_done = [] {
+        cImgIO::registerFileIO(new cPngFormat);
+        cImgIO::registerFileIO(new cJpegFormat);
+        cImgIO::registerFileIO(new cBmpFormat);
+        cImgIO::registerFileIO(new cTiffFormat);
+        return true;
+    }();
+    Q_UNUSED(s_done)
+}
+
+cImg readImage(const QString& i_path)
+{
+    cImgIO* handler = findHandler(i_path, cImgIO::Read);
+    if (!handler)
+        fail(unknownExtension(i_path, readableExtensions()));
+    const QSharedPointer<cImgIO> own(handler->clone());
+    if (const auto* format = dynamic_cast<const cFileFormat*>(own.data()))
+        return format->read(i_path);
+    const cImg image = own->openImg(i_path, cMapObj());
+    if (!image.isValid())
+        fail(QStringLiteral("%1 cannot read it").arg(own->getName()));
+    return image;
+}
+
+void writeImage(const QString& i_path, const cImg& i_image)
+{
+    cImgIO* handler = findHandler(i_path, cImgIO::Write);
+    if (!handler)
+        fail(unknownExtension(i_path, writableExtensions()));
+    const QString folder = QFileInfo(i_path).path();
+    if (!QDir().mkpath(folder))
+        fail(QStringLiteral("the folder '%1' cannot be made").arg(folder));
+    const QSharedPointer<cImgIO> own(handler->clone());
+    if (const auto* format = dynamic_cast<const cFileFormat*>(own.data()))
+        format->write(i_path, i_image);
+    else if (!own->writeImg(i_path, i_image, nullptr))
+        fail(QStringLiteral("%1 cannot write it").arg(own->getName()));
+}
+
+bool canRead(const QString& i_path)
+{
+    return findHandler(i_path, cImgIO::Read);
+}
+
+bool canWrite(const QString& i_path)
+{
+    return findHandler(i_path, cImgIO::Write);
+}
+
+QStringList readableExtensions()
+{
+    return extensions(cImgIO::Read);
+}
+
+QStringList writableExtensions()
+{
+    return extensions(cImgIO::Write);
+}
+
+} // namespace host

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <tarnimg/cImgIO.h>
+
+#include <cstddef>
+
+class QIODevice;
+
+/**
+ * A handler that reads and writes a file format without loss.
+ *
+ * What a file holds decides the pixel type, and every type that can be written is read back as itself, bit for bit (JPEG
+ * alone is lossy by its nature). Nothing is ever narrowed: a type that the format cannot hold is refused.
+ *
+ * A file is written beside its place and moved there when it is complete.
+ */
+class cFileFormat : public cImgIO {
+public:
+    /** Void, with a report on the error trace, if the file cannot be read. */
+    cImg openImg(const QString& i_path, const cMapObj& i_params) override;
+    cImg openImgFromMemory(const char* i_data, unsigned i_size, const cMapObj& i_params) override;
+    bool writeImg(const QString& i_path, const cImg& i_image, const cObj* i_params) override;
+
+    /** @throws std::runtime_error that says why the file cannot be read, without its path */
+    cImg read(const QString& i_path) const;
+    /** @throws std::runtime_error that says why the image cannot be written, without the path */
+    void write(const QString& i_path, const cImg& i_image) const;
+
+    /** Whether images of this type can be written. */
+    virtual bool canHold(cImgType::ImageTypes i_type, unsigned i_channels) const = 0;
+
+    /** @throws std::runtime_error on anything that is no complete, sound file of the format */
+    virtual cImg decode(const unsigned char* i_data, std::size_t i_size) const = 0;
+
+protected:
+    using cImgIO::cImgIO;
+
+    /** Writes an image of a type that can be held to a device that can seek. @throws std::runtime_error */
+    virtual void encode(const cImg& i_image, QIODevice& io_device) const = 0;
+
+    /**
+     * Checks what a header claims, before memory is taken: sizes above 0, and at most 2 GiB for the pixels.
+     * @throws std::runtime_error
+     */
+    static void checkSize(quint64 i_width, quint64 i_height, quint64 i_bytesPerPixel);
+};
+
+namespace host {
+
+/** Registers the handlers of this library: PNG, JPEG, BMP and TIFF. Once; later calls do nothing. */
+void registerFileFormats();
+
+/** Reads with the handler whose patterns have the extension. @throws std::runtime_error that says why not, without the path */
+cImg readImage(const QString& i_path);
+/** The same for writing. Folders on the way are made. */
+void writeImage(const QString& i_path, const cImg& i_image);
+
+/** Whether a handler reads (or writes) files with the extension of this path. */
+bool canRead(const QString& i_path);
+bool canWrite(const QString& i_path);
+/** The extensions that can be read (or written), sorted, such as "bmp", "jpeg". */
+QStringList readableExtensions();
+QStringList writableExtensions();
+
+} // namespace host

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+class cPortBase;
+class cStation;
+
+enum class EExit;
+
+namespace host {
+
+/** The whole command: the words after the program's name. Results on standard output, everything else on standard error. */
+EExit runTarn(const QStringList& i_words);
+
+/** One command each; the words after its name. */
+EExit runCommand(const QStringList& i_words);
+EExit listCommand(const QStringList& i_words);
+EExit inspectCommand(const QStringList& i_words);
+
+/** Writes to standard output, in UTF-8. */
+void print(const QString& i_text);
+/** Writes "tarn <command>: error: message" and the help in its second line, if it has one; for the caller to return. */
+EExit refuse(const QString& i_command, const QString& i_message);
+
+/** What an input takes or an output gives, such as "image: UInt8 of 1 channel, RGB24" or "number". */
+QString describeValues(const cPortBase& i_port);
+/** Everything about a station: words from its registration, the rest from the live object. */
+QString describeStation(const QString& i_identifier, cStation& i_station);
+
+} // namespace host

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <tarnflow/cFates.h>
+
+namespace host {
+
+/** Whether some frame at some port was not used. */
+bool isAnyUnused(const QList<cPortFates>& i_fates);
+
+/**
+ * A line for each input port, and for each output port that lost results: what arrived and what became of it. Columns in
+ * which every number is 0 are left out, but for "arrived" and "used". No line end at the end.
+ */
+QString fateTable(const QList<cPortFates>& i_fates);
+
+} // namespace host

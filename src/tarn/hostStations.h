@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QtGlobal>
+#include <tarnflow/cGraphError.h>
+
+class cStation;
+
+/** What stations of this library tell the host beyond their ports and parameters. */
+class cHostStation {
+public:
+    virtual ~cHostStation() = default;
+
+    /**
+     * Looks at the parameters before the run starts, when all links are made: what cannot work is refused here, not at the
+     * first frame. Called from the thread that builds the graph.
+     */
+    virtual QList<cGraphError> checkParams() = 0;
+};
+
+/** A source of frames that stand in files. All members may be called from any thread while the graph runs. */
+class cFrameSource {
+public:
+    virtual ~cFrameSource() = default;
+
+    /** The file of a stamp; empty if the source has no such stamp. */
+    virtual QString getFile(qint64 i_stamp) const = 0;
+    /** Whether the source reads this file. */
+    virtual bool reads(const QString& i_absolutePath) const = 0;
+    /** Frames that the source will have made at its end. */
+    virtual qint64 getTotal() const = 0;
+    /** Frames that are done, those that failed among them. */
+    virtual qint64 getDone() const = 0;
+    /** Ends after so many frames; 0: no limit. Before the graph starts. */
+    virtual void setLimit(qint64 i_frames) = 0;
+};
+
+namespace host {
+
+/** The sources from which a station's frames come, along all links backwards, those of its first input first. */
+QList<cFrameSource*> sourcesOf(const cStation& i_station);
+
+/** Registers the stations of this library with their words. Once; later calls do nothing. */
+void registerStations();
+
+} // namespace host
