@@ -57,7 +57,7 @@ extern template class cDataRefObj<unsigned short int>;
 extern template class cDataRefObj<float>;
 extern template class cDataRefObj<double>;
 extern template class cDataRefObj<QString>;
-extern template class cDataRefObj<QStringList>;
+extern template class TARNBASE_EXPORT cDataRefObj<QStringList>; // its own visibility would hide the instance
 extern template class cDataRefObj<QColor>;
 extern template class cDataRefObj<QSize>;
 extern template class cDataRefObj<c2DPoint<int>>;

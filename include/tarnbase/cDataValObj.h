@@ -22,7 +22,7 @@ extern template class cDataValObj<unsigned short int>;
 extern template class cDataValObj<float>;
 extern template class cDataValObj<double>;
 extern template class cDataValObj<QString>;
-extern template class cDataValObj<QStringList>;
+extern template class TARNBASE_EXPORT cDataValObj<QStringList>; // its own visibility would hide the instance
 extern template class cDataValObj<QColor>;
 extern template class cDataValObj<QSize>;
 extern template class cDataValObj<c2DPoint<int>>;
