@@ -58,6 +58,8 @@ private:
     // Both fields may be read by one receiver while another moves a stamp it holds alone.
     std::atomic<qint64> m_stamp {cBufferStamp::s_invalid};
     std::atomic<qint64> m_time {0};
+    static constexpr std::size_t s_nowhere = ~std::size_t(0);
+    std::size_t m_place = s_nowhere; ///< in the pool's list, guarded by the pool
     bool m_pooled = false; ///< false: it dies with its last holder
     const QList<cBuffer*> m_asList;
 };

@@ -13,7 +13,7 @@ class cTypeConverterBase;
  *
  * Belongs to a link; several threads may send through it at once.
  */
-class TARNFLOW_EXPORT cBufferConverterBase {
+class TARNFLOW_EXPORT cBufferConverterBase : public std::enable_shared_from_this<cBufferConverterBase> {
 public:
     /** Keeps a clone of the value converter. */
     explicit cBufferConverterBase(const cTypeConverterBase* i_converter);

@@ -1,12 +1,16 @@
 #pragma once
 
+#include <QStringList>
 #include <QVariant>
+#include <functional>
+#include <memory>
 #include <tarnflow/cDfpNode.h>
 #include <tarnflow/cFates.h>
 #include <tarnflow/cGraphError.h>
 #include <tarnflow/cStation.h>
 
 class cError;
+class cFlow;
 class cObj;
 
 /**
@@ -53,7 +57,10 @@ public:
 
     /**
      * Links "node.port" with "node.port". Without ".port": the only, or the first free, port that fits the other side's type.
-     * Links may come and go while the graph runs.
+     * Links may come and go while the graph runs; no delivery over a link is under way any more when `unlink` returns.
+     *
+     * A named input takes one sender. By the ports themselves it may be given more, which then must announce the same stamps.
+     * A port without a node is a tap of the host, and may be linked at any place.
      */
     bool link(const QString& i_from, const QString& i_to, cGraphError* o_error = nullptr);
     bool link(cOPortBase* i_from, cIPortBase* i_to, cGraphError* o_error = nullptr);
@@ -61,7 +68,7 @@ public:
     bool unlink(cOPortBase* i_from, cIPortBase* i_to, cGraphError* o_error = nullptr);
     /** The links between nodes of this graph, in the order in which they were made. */
     QList<cLink> getLinks() const;
-    /** Told by a boundary port whose inner link has gone. */
+    /** Told by a boundary port whose inner link has gone; the mutex of the links is held. */
     void linkRemoved(cGraph* i_graph, cPortBase* i_from, cPortBase* i_to);
 
     /** A port of this graph that stands for a port ("node.port") inside it. */
@@ -110,6 +117,7 @@ public:
     void stop() override;
     void destroy() override;
     bool isGraph() const override;
+    void setEnabled(bool i_enabled) override;
 
 Q_SIGNALS:
     /** A station failed on a frame. Emitted on that station's thread. */
@@ -118,5 +126,43 @@ Q_SIGNALS:
     void stationDied(const QString& i_path);
 
 private:
+    friend std::shared_ptr<cFlow> flowOf(const cDfpNode* i_node);
+
+    // Building. Errors go to o_error, if it is not null.
+    QString freeName(const QString& i_stem) const;
+    bool checkNewName(const QString& i_name, cGraphError* o_error) const;
+    void adopt(cDfpNode* i_node);
+    /** The node of a path; complains about one that is not there. */
+    cDfpNode* needNode(const QString& i_path, cGraphError* o_error) const;
+    /** Every node here and in subgraphs, graphs before what is in them. */
+    QList<cDfpNode*> getAllNodes() const;
+
+    // Links.
+    QList<cOPortBase*> findOutports(const QString& i_path, cGraphError* o_error) const;
+    QList<cIPortBase*> findInports(const QString& i_path, cGraphError* o_error) const;
+    bool isInside(const cPortBase* i_port) const;
+    bool checkFree(cOPortBase* i_from, cIPortBase* i_to, cGraphError* o_error) const;
+    bool checkLink(cOPortBase* i_from, cIPortBase* i_to, cGraphError* o_error) const;
+    cPortBase* findInner(const QString& i_inner, bool i_out, cGraphError* o_error) const;
+    bool checkExport(const cPortBase* i_inner, const QString& i_name, cGraphError* o_error) const;
+
+    // Parameters.
+    struct cPlace;
+    bool findPlace(const QString& i_path, cPlace& o_place, cGraphError* o_error) const;
+    bool writeParam(const QString& i_path, const std::function<bool(cObj&, QString*)>& i_write, cGraphError* o_error);
+
+    EFlow getFlowOfRoot() const;
+
+    // Checking and running.
+    void checkInputs(QList<cGraphError>& io_errors) const;
+    void checkCycles(QList<cGraphError>& io_errors) const;
+    void checkReadiness(QList<cGraphError>& io_errors) const;
+    bool run(StartReasons i_reason, QList<cGraphError>* o_errors);
+    /** The outermost graph around this one. */
+    cGraph* getRoot();
+    /** Gives each pool room for what delayed inputs hold back. */
+    void updateRooms();
+
     QList<cDfpNode*> m_nodes;
+    const std::shared_ptr<cFlow> m_flow;
 };

@@ -118,6 +118,9 @@ public:
 
 #define TARNFLOW_DECLARE(T) \
     extern template class cIPortT<T>; \
-    extern template class cIPort<T>;
+    extern template class cIPort<T>; \
+    extern template class cImport<T>; \
+    extern template class cExport<T>; \
+    extern template class cBufferConverter<T>;
 TARNFLOW_VALUE_TYPES(TARNFLOW_DECLARE)
 #undef TARNFLOW_DECLARE

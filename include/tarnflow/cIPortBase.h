@@ -75,7 +75,9 @@ protected:
 
 private:
     struct History;
+    friend class cOPortBase;
     unsigned int countSenders() const;
+    void collectConverters(QVector<std::shared_ptr<cBufferConverterBase>>& io_converters) const;
 
     std::atomic<quint64> m_refused {0};
     std::atomic<quint64> m_direct {0}; ///< taken by a direct callback

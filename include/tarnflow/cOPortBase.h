@@ -14,6 +14,7 @@ class cBuffer;
 class cBufferConverterBase;
 class cBufferPool;
 class cIPortBase;
+class cStation;
 
 /**
  * An output port: a pool of buffers and the receivers they go to.
@@ -64,10 +65,12 @@ public:
     /** Buffers made so far, and how many of them are with holders. */
     int getBufferCount() const;
     int getHeldCount() const;
-    /** From now on nobody sleeps for a buffer (true), or they may again (false). */
+    /** From now on nobody sleeps for a buffer of this port or of a link's converter (true), or they may again (false). */
     void setStopped(bool i_stopped);
     /** Whether a thread sleeps for a buffer of this port just now. */
     bool isBlocked() const;
+    /** The stations whose threads sleep for a buffer of this port; null for a thread of somebody else. */
+    QList<const cStation*> getSleepers() const;
 
     bool isOutport() const override;
     bool isConnected() const override;
@@ -96,6 +99,11 @@ private:
     friend class cBuffer;
     struct Receivers;
     class Delivery;
+
+    /** With m_receiversMutex held. */
+    Receivers& currentReceivers();
+    /** Of all links, through boundary ports. With linkMutex held. */
+    void collectConverters(QVector<std::shared_ptr<cBufferConverterBase>>& io_converters) const;
 
     const std::shared_ptr<cBufferPool> m_pool; ///< outlives the port as long as somebody holds a buffer of it
     mutable std::mutex m_receiversMutex; ///< guards m_receivers, m_outdated and their use counts

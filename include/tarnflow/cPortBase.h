@@ -54,7 +54,7 @@ public:
     /** Keeps a record of a buffer's passage; the newest 256 are kept. Any thread. */
     void addAuditRecord(const cBufferStamp& i_stamp, const QString& i_text);
     QList<cAuditRecord> getAuditRecords() const;
-    /** Forgets the port's links; the far ends are told. */
+    /** Forgets the port's links; the far ends are told. Deliveries over these links have ended when it returns. */
     void removeChannels();
     /** The far ends of the port's links, in the order in which they were made. */
     QList<cPortBase*> getLinkedPorts() const;
@@ -105,6 +105,9 @@ protected:
     /** Takes each port from the other's list; false if they were not linked. */
     static bool unlinkPorts(cPortBase* i_a, cPortBase* i_b);
     void attach(cDfpNode* i_node, const QString& i_name);
+    /** What `removeLink` and the destructors do: cuts links at both ends, without waiting for deliveries under way. */
+    void removeOneLink(cPortBase* i_port);
+    void removeAllLinks();
     /** The converter that some link brings for values of a type, or null. */
     cBufferConverterBase* findConverter(const std::type_info& i_type) const;
 
@@ -113,9 +116,11 @@ protected:
     std::atomic<bool> m_audit {false};
     QVector<cPortLink> m_links; ///< guarded by linkMutex
 
+    /** Converters of links that have gone, until no buffer of theirs is held any more; guarded by linkMutex. */
+    QVector<std::shared_ptr<cBufferConverterBase>> m_retired;
+
 private:
     friend class cDfpNode;
-    struct Records;
     static std::atomic<quint64> s_generation;
 
     cDfpNode* m_node = nullptr;
@@ -124,6 +129,4 @@ private:
     cMapObj m_defaultParams;
     mutable std::mutex m_auditMutex; ///< guards m_auditRecords
     QList<cAuditRecord> m_auditRecords;
-    /** Converters of links that have gone, until no buffer of theirs is held any more; guarded by linkMutex. */
-    QVector<std::shared_ptr<cBufferConverterBase>> m_retired;
 };

@@ -14,7 +14,10 @@ public:
     explicit cSourceStation(const QString& i_name = QString());
     ~cSourceStation() override;
 
+    void start(StartReasons i_reason) override;
     void postStart(StartReasons i_reason) override;
+    /** A source that is disabled while it runs pauses, and goes on when it is enabled again. */
+    void enableChanged(bool i_enabled) override;
 
     /** Asks the source to end after the step that is under way; what it sent is still processed. Any thread. */
     void finish();
@@ -31,6 +34,12 @@ protected:
 private:
     void queueStep();
     bool runStep();
-    std::atomic<bool> m_finish{false};
-    qint64 m_steps = 0;
+    bool runProduce(bool& o_failed);
+    void report(int i_level, const QString& i_message);
+
+    std::atomic<bool> m_finish {false};
+    std::atomic<bool> m_started {false};
+    std::atomic<bool> m_ended {false};
+    std::atomic<bool> m_queued {false}; ///< a step waits in the callback queue
+    std::atomic<qint64> m_steps {0};
 };

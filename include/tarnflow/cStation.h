@@ -8,7 +8,6 @@
 
 class QWidget;
 class cError;
-class cFlow;
 class cPortGroupBase;
 class cStation;
 class cStationThread;
@@ -87,6 +86,11 @@ public:
 
 private:
     friend class cGraph;
+    /** The first half of a stop: drops the queued jobs and wakes whoever sleeps for a buffer of this station. */
+    void halt();
+    /** Unlocks the input mutex of a dead station. */
+    void revive();
+
     QMutex m_inputMutex;
     QString m_identifier;
     QList<cPortGroupBase*> m_groups;

@@ -10,7 +10,24 @@
  */
 class TARNFLOW_EXPORT cStepScope {
 public:
-    enum class EOutcome { Used, Gated, Lost, Ignored };
+    enum class EOutcome {
+        Used,
+        Gated, ///< nobody wanted a result, and none was sent
+        Lost, ///< a result found no buffer
+        Ignored ///< the step passed the frame over
+    };
+
+    /** For as long as it lives, what happens on this thread is not of the step: receivers are being called. */
+    class TARNFLOW_EXPORT Suspension {
+    public:
+        Suspension();
+        ~Suspension();
+        Suspension(const Suspension&) = delete;
+        Suspension& operator=(const Suspension&) = delete;
+
+    private:
+        cStepScope* m_suspended;
+    };
 
     cStepScope();
     ~cStepScope();

@@ -8,7 +8,7 @@
 
 cPortGroupBase::cPortGroupBase(cStation* i_station) : m_inputMutex(&i_station->getInputMutex()), m_station(i_station)
 {
-    m_station->addPortGroup(this);
+    m_station->addPortGroup(this); // which listens to exceptionRaised
 }
 
 cPortGroupBase::~cPortGroupBase()
@@ -144,7 +144,6 @@ quint64 cPortGroupBase::getExecutionCount() const
 
 void cPortGroupBase::emitException(const cError& i_error) noexcept
 try {
-    m_station->reportError(i_error);
     Q_EMIT exceptionRaised(i_error);
 } catch (...) {
     // A listener's failure is its own.
