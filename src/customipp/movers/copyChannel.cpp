@@ -218,7 +218,7 @@ template <size_t Size> constexpr LaneOrder<Size> fourToThreeOrder(size_t source,
             const size_t pixel = (16 * part + i) / 3, channel = (16 * part + i) % 3;
             order.bytes[i] = uint8_t(pixel / 4 == source ? pixel % 4 * 4 + channel : order.zero);
         } else {
-            order.bytes[i] = uint8_t(i % 16 < 12 ? i % 16 / 3 * 4 + i % 3 : order.zero);
+            order.bytes[i] = uint8_t(i % 16 < 12 ? i % 16 / 3 * 4 + i % 16 % 3 : order.zero);
         }
     }
     const size_t lanes = Size / 4, used = lanes / 4 * 3;

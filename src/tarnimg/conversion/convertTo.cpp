@@ -121,8 +121,8 @@ bool cImgType::convertImage(
         return false;
     if (!hasRoute || (m_typeId == targetId && ranges.input == m_range && ranges.output == i_target.getRange()))
         io_result.copyFrom(source);
-    else if (!conversion::convertPixels(source, io_result, ranges))
-        return false;
+    else
+        conversion::convertPixels(source, io_result, ranges);
     if (isFloat(targetId) && givesRangeToFloats(m_typeId))
         io_result.setRange(source.getRange());
     return true;

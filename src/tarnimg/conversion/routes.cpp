@@ -326,12 +326,10 @@ constexpr Route s_routes[s_numTypes][s_numTypes] = {
         generic<double, qint32>, none, generic<double, float>, generic<double, double>},
 };
 
-/** The rows of the image's view end within its memory, as many bytes as a route takes of each pixel. */
-bool holdsPixels(const cImg& i_image)
+/** Memory from outside may have room between its pixels, which the steps know nothing of. */
+bool hasGaps(const cImg& i_image)
 {
-    const quint64 rows = quint64(i_image.getHeight() - 1) * i_image.getYPitch()
-        + quint64(i_image.getWidth()) * routePixelBytes(i_image.getImgType());
-    return i_image.getBufferOffset() + rows <= i_image.getFrameSize();
+    return i_image.getXPitch() != i_image.getImgType().getPixelSize();
 }
 
 } // namespace
@@ -350,16 +348,21 @@ bool isSupported(cImgType::ImageTypes i_source, cImgType::ImageTypes i_target)
     return i_source == i_target || findRoute(i_source, i_target);
 }
 
-bool convertPixels(const cImg& i_source, cImg& io_result, const Ranges& i_ranges)
+void convertPixels(const cImg& i_source, cImg& io_result, const Ranges& i_ranges)
 {
-    if (!holdsPixels(i_source) || !holdsPixels(io_result)) {
-        cTracer::cerr << "The memory of the image ends before its pixels." << cTracer::end();
-        return false;
+    if (hasGaps(i_source)) {
+        convertPixels(i_source.clone(), io_result, i_ranges);
+        return;
+    }
+    if (hasGaps(io_result)) {
+        cImg packed = io_result.clone();
+        convertPixels(i_source, packed, i_ranges);
+        io_result.copyFrom(packed);
+        return;
     }
     Program program(i_source);
     findRoute(i_source.getImgType().getTypeId(), io_result.getImgType().getTypeId())(program, i_ranges);
     program.run(io_result);
-    return true;
 }
 
 } // namespace conversion

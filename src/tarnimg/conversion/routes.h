@@ -20,10 +20,7 @@ bool isSupported(cImgType::ImageTypes i_source, cImgType::ImageTypes i_target);
 /**
  * Converts pixels by the route of the two images' types, whatever the ranges of their descriptors; this one keeps both
  * descriptors. Both images must be valid, of one size and of types with a route between them; the result is detached.
- *
- * @return false, with a report on the error trace and nothing written, if the memory of one of the images ends before its
- *     pixels do
  */
-bool convertPixels(const cImg& i_source, cImg& io_result, const Ranges& i_ranges);
+void convertPixels(const cImg& i_source, cImg& io_result, const Ranges& i_ranges);
 
 } // namespace conversion

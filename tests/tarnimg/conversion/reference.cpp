@@ -1,5 +1,6 @@
 #include "reference.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -254,8 +255,8 @@ void colourToColour(const Image& i_source, Image& io_result, Range i_input, Rang
 void subtractFromFourBytes(Image& io_image, double i_low)
 {
     const size_t pitch = size_t(io_image.width) * pixelBytes(io_image.type);
-    std::vector<uint8_t> memory = io_image.bytes;
-    memory.resize(memory.size() + io_image.width); // the tail of the last row
+    std::vector<uint8_t> memory((size_t(io_image.height) + 1) * pitch + 4); // with room behind the last row
+    std::memcpy(memory.data(), io_image.bytes.data(), io_image.bytes.size());
     for (int y = 0; y < io_image.height; ++y)
         for (size_t i = 0; i < 4 * size_t(io_image.width); ++i) {
             uint8_t& byte = memory[y * pitch + i];
