@@ -5,7 +5,7 @@
 #include <tarnimg/export.h>
 
 /** The groups with image inputs are compiled once, in this library. */
-extern template class cPortGroup<cImg>;
-extern template class cPortGroup<cImg, cImg>;
-extern template class cPortGroup<cImg, cImg, cImg>;
-extern template class cPortGroup<cImg, cImg, cImg, cImg>;
+extern template class TARNIMG_EXPORT cPortGroup<cImg>;
+extern template class TARNIMG_EXPORT cPortGroup<cImg, cImg>;
+extern template class TARNIMG_EXPORT cPortGroup<cImg, cImg, cImg>;
+extern template class TARNIMG_EXPORT cPortGroup<cImg, cImg, cImg, cImg>;

@@ -43,7 +43,7 @@ void checkInputs(const cImgFunctor& i_functor, const cImg& i_a, const cImg& i_b,
         fail(message(s_typesMustBeEqual, i_operator));
     if (i_a.getNumChannels() != i_b.getNumChannels())
         fail(message(s_channelsMustBeEqual, i_operator));
-    if (i_a.getSize() != i_b.getSize())
+    if (!i_a.isStructOf(i_b))
         fail(message(s_sizesMustBeEqual, i_operator));
     checkSupported(i_functor, i_a, i_operator);
 }

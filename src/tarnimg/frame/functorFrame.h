@@ -21,7 +21,7 @@ namespace frame {
 /** The image is valid, then supported. */
 void checkInput(const cImgFunctor& i_functor, const cImg& i_image, const char* i_operator);
 
-/** Both images are valid; equal types; equal channel counts; equal sizes; the first one is supported. */
+/** Both images are valid; equal types; equal channel counts; equal sizes and pitches; the first one is supported. */
 void checkInputs(const cImgFunctor& i_functor, const cImg& i_a, const cImg& i_b, const char* i_operator);
 
 /** Any status but 0 is a failure of the operator, warnings included. */
