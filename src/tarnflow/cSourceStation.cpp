@@ -48,8 +48,8 @@ void cSourceStation::queueStep()
 bool cSourceStation::runStep()
 {
     m_queued = false;
-    if (m_ended)
-        return true;
+    if (m_ended || isDead())
+        return m_ended;
     bool more = !m_finish;
     bool failed = false;
     if (more && !isEnabled())

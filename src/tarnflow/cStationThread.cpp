@@ -140,13 +140,11 @@ void cStationThread::runFirst(std::unique_lock<std::mutex>& io_lock)
 
     cRunningJob* const outer = cRunningJob::current();
     cRunningJob::current() = &running;
-    if (!m_station.isDead()) {
-        try {
-            job.function();
-        } catch (...) {
-            m_station.reportError(cError(cError::UnknownFault, cError::Processing,
-                QStringLiteral("an exception escaped from a job"), m_station.getPathName()));
-        }
+    try {
+        job.function();
+    } catch (...) {
+        m_station.reportError(cError(cError::UnknownFault, cError::Processing,
+            QStringLiteral("an exception escaped from a job"), m_station.getPathName()));
     }
     job.function = nullptr;
     cRunningJob::current() = outer;
