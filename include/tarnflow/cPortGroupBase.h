@@ -155,6 +155,7 @@ private:
     bool beginStep(quint64 i_generation);
     bool isExhaustedNow() const;
     bool runLockedStep(cFates& io_seen);
+    void readDelays(); ///< with the input mutex held
     void report(int i_level, const QString& i_message) noexcept;
     void endMatch(const cFates& i_seen, quint64 cFates::*i_unseen);
 

@@ -30,9 +30,13 @@ bool cPortGroupBase::runMatch(quint64 i_generation)
     if (!beginStep(i_generation))
         return false;
     cFates seen;
-    // The input mutex of a dead station stays locked: no further step starts, and nothing waits for it.
+    bool succeeded = false;
+    // The input mutex of a dead station stays locked, by this very thread: no further step starts, and nothing waits for it.
     const bool dead = m_station->isDead();
-    const bool succeeded = !dead && runLockedStep(seen);
+    if (dead)
+        readDelays();
+    else
+        succeeded = runLockedStep(seen);
     sendFinish(isExhaustedNow());
     endMatch(seen, dead ? &cFates::discarded : &cFates::unseen);
     return succeeded;
@@ -63,9 +67,7 @@ bool cPortGroupBase::runLockedStep(cFates& io_seen)
     m_inputMutex->lock();
     if (collect)
         firstPort.updateHistory(stamp, GraphHistoryEntry::HasMutex);
-    // Parameters are written under the input mutex only, so this is the place to read them.
-    for (const Input& input : m_inputs)
-        input.history->setDelay(input.queue->delay);
+    readDelays();
     try {
         runStep(io_seen);
         if (collect)
@@ -85,6 +87,13 @@ bool cPortGroupBase::runLockedStep(cFates& io_seen)
         m_station->markDead();
     }
     return false;
+}
+
+void cPortGroupBase::readDelays()
+{
+    // Parameters are written under the input mutex only, so this is the place to read them.
+    for (const Input& input : m_inputs)
+        input.history->setDelay(input.queue->delay);
 }
 
 void cPortGroupBase::runStep(cFates& io_seen)
