@@ -134,6 +134,9 @@ QDataStream& operator<<(QDataStream& io_stream, const cImg& i_image)
 QDataStream& operator>>(QDataStream& io_stream, cImg& o_image)
 {
     o_image = cImg();
+    const QIODevice* device = io_stream.device();
+    if (!device)
+        io_stream.setStatus(QDataStream::ReadPastEnd); // the readers of Qt do not tell
     Header header;
     io_stream >> header;
     if (io_stream.status() != QDataStream::Ok)
@@ -155,10 +158,10 @@ QDataStream& operator>>(QDataStream& io_stream, cImg& o_image)
         return corrupt("attributes");
 
     // Nobody gets a large image out of a short stream.
-    const bool sequential = io_stream.device()->isSequential();
+    const bool sequential = device->isSequential();
     std::vector<unsigned char> early;
     if (sequential ? !readBytesGrowing(io_stream, early, *bytes)
-                   : quint64(io_stream.device()->bytesAvailable()) < *bytes) {
+                   : quint64(device->bytesAvailable()) < *bytes) {
         io_stream.setStatus(QDataStream::ReadPastEnd);
         return io_stream;
     }
