@@ -68,7 +68,7 @@ HWY_INLINE V limited(V v)
     return v;
 }
 
-/** Floats, none of them NaN, rounded to nearest with ties to even, limited, and at their place; 0 in the other parts. */
+/** Floats, limited before, rounded to nearest with ties to even, and at their place; 0 in the other parts. */
 template <class T, int Part, class V>
 HWY_INLINE auto roundedPart(V v)
 {
@@ -77,7 +77,6 @@ HWY_INLINE auto roundedPart(V v)
     const hn::Repartition<T, decltype(dFloat)> d;
     const hn::RebindToUnsigned<decltype(dFloat)> dBits;
     using Bits = hn::TFromD<decltype(dBits)>;
-    v = limited<T>(v);
     hn::Vec<decltype(dBits)> bits;
     if constexpr (sizeof(F) == 4)
         bits = hn::BitCast(dBits, hn::NearestInt(v));

@@ -102,55 +102,62 @@ struct BinaryRow {
     }
 };
 
-/** Constants repeated for as many lanes as three vectors hold, from each of the channels on. */
-template <class T>
+/** The constants of a pixel, repeated for as many lanes as a period of vectors from any channel on needs. */
+template <class T, size_t Period>
 struct ConstantsPattern {
-    static constexpr size_t lanes = 3 * hn::MaxLanes(hn::ScalableTag<T>()) + 3;
+    /** Pixels of any number of channels fill so many lanes. */
+    static constexpr size_t fullPixels = 12;
+    static constexpr size_t lanes = std::max(Period * hn::MaxLanes(hn::ScalableTag<T>()) + 3, fullPixels);
     T values[lanes];
     size_t channels;
 
     explicit ConstantsPattern(Constants<T> constants) : channels(static_cast<size_t>(constants.channels))
     {
-        for (size_t i = 0; i < lanes; ++i)
-            values[i] = constants.values[i % channels];
+        for (size_t i = 0; i < fullPixels; i += channels)
+            std::copy_n(constants.values, channels, values + i);
+        for (size_t filled = fullPixels; filled < lanes; filled *= 2)
+            std::copy_n(values, std::min(filled, lanes - filled), values + filled);
     }
+
+    /** The constants for the lanes of a row from a place on. */
+    const T* at(size_t lane) const { return values + (channels == 3 ? lane % 3 : lane % 4 % channels); }
 };
 
-/** The operation gets the constants first. Three vectors of constants in turn serve one, three and four channels. */
-template <class T, class Op, bool KeepAlpha>
+/**
+ * The operation gets the constants first. A vector of them serves one or four channels, three in turn serve three; of
+ * four the last one may be kept as it is.
+ */
+template <class T, class Op, size_t Period, bool KeepAlpha>
 struct ConstantsRow {
-    static constexpr size_t period = 3;
+    static constexpr size_t period = Period;
     static constexpr size_t granularity = KeepAlpha ? 4 : 1;
     using D = hn::ScalableTag<T>;
+    using Prepared = decltype(std::declval<Op>().prepare(D(), hn::Zero(D())));
     Op op;
     const T* pixels;
-    const ConstantsPattern<T>* pattern;
-    decltype(op.prepare(D(), hn::Zero(D()))) constants[period];
+    const ConstantsPattern<T, Period>* pattern;
+    Prepared constants[Period];
 
     using Copies = ShortRow<T>;
     HWY_INLINE void takeOver(Copies& copies, size_t lanes) { copies.takeOver(pixels, lanes); }
-    HWY_INLINE hn::Vec<D> anywhere(size_t i) { return with(prepared(i), hn::LoadU(D(), pixels + i)); }
+    HWY_INLINE hn::Vec<D> anywhere(size_t i) { return with(prepared(i), i); }
     HWY_INLINE void start(size_t i)
     {
-        constants[0] = prepared(i);
-        constants[1] = prepared(i + hn::Lanes(D()));
-        constants[2] = prepared(i + 2 * hn::Lanes(D()));
+        for (size_t j = 0; j < Period; ++j)
+            constants[j] = prepared(i + j * hn::Lanes(D()));
     }
     template <size_t J>
     HWY_INLINE hn::Vec<D> at(size_t i)
     {
-        return with(constants[J], hn::LoadU(D(), pixels + i));
+        return with(constants[J], i);
     }
 
 private:
-    HWY_INLINE auto prepared(size_t i)
+    HWY_INLINE Prepared prepared(size_t i) const { return op.prepare(D(), hn::LoadU(D(), pattern->at(i))); }
+    HWY_INLINE hn::Vec<D> with(const Prepared& prepared, size_t i)
     {
-        return op.prepare(D(), hn::LoadU(D(), pattern->values + i % pattern->channels));
-    }
-    template <class C>
-    HWY_INLINE hn::Vec<D> with(const C& c, hn::Vec<D> v)
-    {
-        const auto result = op(D(), c, v);
+        const auto v = hn::LoadU(D(), pixels + i);
+        const auto result = op(D(), prepared, v);
         if constexpr (KeepAlpha) {
             const auto alpha = hn::BitCast(D(), hn::Set(hn::Repartition<uint32_t, D>(), 0xFF000000u));
             return hn::Or(hn::And(alpha, v), hn::AndNot(alpha, result));
@@ -251,7 +258,7 @@ struct BinaryLoop {
     }
 };
 
-template <class T, bool KeepAlpha = false>
+template <class T, size_t Period, bool KeepAlpha>
 struct ConstantsLoop {
     Rows<const T> pixels;
     Constants<T> constants;
@@ -261,10 +268,11 @@ struct ConstantsLoop {
     template <class Op>
     HWY_INLINE IppStatus operator()(Op op) const
     {
-        const ConstantsPattern<T> pattern(constants);
-        for (size_t y = 0; y < extent.rows; ++y)
-            op = storeRow(ConstantsRow<T, Op, KeepAlpha>{op, pixels.row(y), &pattern, {}}, out.row(y), extent.lanes)
-                     .op;
+        const ConstantsPattern<T, Period> pattern(constants);
+        for (size_t y = 0; y < extent.rows; ++y) {
+            const ConstantsRow<T, Op, Period, KeepAlpha> row{op, pixels.row(y), &pattern, {}};
+            op = storeRow(row, out.row(y), extent.lanes).op;
+        }
         return op.status();
     }
 };

@@ -3,7 +3,8 @@
 //
 // An exact operation is a type with three members: saturated(d, a, b), the result for factor 0 (for floats the plain
 // result); wide(d, a, b), the exact result in lanes of twice the width; valueBits<T>, so that no result exceeds
-// 2^valueBits.
+// 2^valueBits. One whose valueBits exceed those of T by more than one also has halves(d, a, b) for 16-bit types: the
+// exact result as two vectors of T, of which the lower one is unsigned.
 
 #if defined(CUSTOMIPP_SCALED_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #ifdef CUSTOMIPP_SCALED_INL_H_
@@ -134,10 +135,23 @@ struct ScaledDown : PlainOperation {
     }
 };
 
-/**
- * A positive factor with which the rounding would overflow the wide lane. The value is halved first; a bit that
- * drops out is kept in the lowest one, where it can still tell a tie from more than a tie.
- */
+/** v * 2^-bits to nearest, ties to even, for any bits up to those of the lane, the lanes being of any size. */
+template <class V>
+HWY_INLINE V farRoundedShift(V v, int bits)
+{
+    const hn::DFromV<V> d;
+    const hn::RebindToUnsigned<decltype(d)> dBits;
+    using Bits = hn::TFromD<decltype(dBits)>;
+    const auto half = hn::Set(dBits, static_cast<Bits>(Bits {1} << (bits - 1)));
+    const V floor = hn::ShiftRight<1>(hn::ShiftRightSame(v, bits - 1));
+    const auto rest = hn::And(hn::BitCast(dBits, v), hn::Set(dBits, static_cast<Bits>((Bits {2} << (bits - 1)) - 1)));
+    // A tie goes up from an odd floor. The sum does not overflow: with all bits the floor is 0, or even.
+    const auto odd = hn::And(hn::BitCast(dBits, floor), hn::Set(dBits, Bits {1}));
+    const auto up = hn::VecFromMask(dBits, hn::Gt(hn::Add(rest, odd), half));
+    return hn::BitCast(d, hn::Sub(hn::BitCast(dBits, floor), up));
+}
+
+/** A positive factor with which the quicker rounding would overflow the wide lane. */
 template <class Exact>
 struct ScaledFarDown : PlainOperation {
     int bits;
@@ -146,17 +160,18 @@ struct ScaledFarDown : PlainOperation {
     template <class D, class V>
     HWY_INLINE V operator()(D d, V a, V b) const
     {
-        const auto wide = Exact::wide(d, a, b);
-        return narrowSaturated(d, EvenOdd<decltype(wide.even)> {
-            roundedShift(halved(wide.even), bits - 1), roundedShift(halved(wide.odd), bits - 1)});
-    }
-
-private:
-    template <class W>
-    static HWY_INLINE W halved(W w)
-    {
-        const hn::DFromV<W> d;
-        return hn::Or(hn::ShiftRight<1>(w), hn::And(w, hn::Set(d, hn::TFromV<W> {1})));
+        using T = hn::TFromD<D>;
+        if constexpr (sizeof(T) == 1) {
+            const auto wide = Exact::wide(d, a, b);
+            return narrowSaturated(d, EvenOdd<decltype(wide.even)> {
+                farRoundedShift(wide.even, bits), farRoundedShift(wide.odd, bits)});
+        } else {
+            // The upper half has the result and, with more than one bit below it, the half that decides; of the lower
+            // half it only matters whether it is 0.
+            const auto halves = Exact::halves(d, a, b);
+            const auto sticky = hn::BitCast(d, hn::Min(halves.low, hn::Set(hn::DFromV<decltype(halves.low)>(), T {1})));
+            return farRoundedShift(hn::Or(halves.high, sticky), bits - bitsOf<T>);
+        }
     }
 };
 
@@ -182,7 +197,7 @@ HWY_INLINE IppStatus withScale(int scaleFactor, const Loop& loop)
             return loop(ScaledUp<Exact>(scaleFactor < -bitsOf<T> ? bitsOf<T> : -scaleFactor));
         if (scaleFactor > Exact::template valueBits<T>)
             return loop(ScaledToZero());
-        if constexpr (Exact::template valueBits<T> == 2 * bitsOf<T>)
+        if constexpr (Exact::template valueBits<T> > bitsOf<T> + 1)
             if (scaleFactor > bitsOf<T> + 1)
                 return loop(ScaledFarDown<Exact>(scaleFactor));
         return loop(ScaledDown<Exact>(scaleFactor));
@@ -198,7 +213,11 @@ IppStatus binaryScaled(Rows<const T> first, Rows<const T> second, Rows<T> out, E
 template <class Exact, class T, bool KeepAlpha = false>
 IppStatus constantsScaled(Rows<const T> pixels, Constants<T> constants, Rows<T> out, Extent extent, int scaleFactor)
 {
-    return withScale<Exact, T>(scaleFactor, ConstantsLoop<T, KeepAlpha> {pixels, constants, out, extent});
+    if constexpr (sizeof(T) == 1 && !KeepAlpha) // only bytes come with three channels
+        if (constants.channels == 3)
+            return withScale<Exact, T>(
+                scaleFactor, ConstantsLoop<T, 3, false> {pixels, constants, out, extent});
+    return withScale<Exact, T>(scaleFactor, ConstantsLoop<T, 1, KeepAlpha> {pixels, constants, out, extent});
 }
 
 template <class Exact>

@@ -63,7 +63,8 @@ private:
     HWY_INLINE hn::Vec<D> joined(D d, hn::Vec<D> divisor, hn::Vec<D> dividend) const
     {
         const auto exact = hn::Div(floatsOf<F, Part>(d, dividend), floatsOf<F, Part>(d, divisor));
-        const auto part = roundedPart<T, Part>(hn::Mul(exact, hn::Set(hn::DFromV<decltype(exact)>(), scale)));
+        const auto scaled = hn::Mul(exact, hn::Set(hn::DFromV<decltype(exact)>(), scale));
+        const auto part = roundedPart<T, Part>(limited<T>(scaled));
         if constexpr (Part == 0)
             return part;
         else
@@ -106,9 +107,9 @@ struct FloatQuotientByConstant : PlainOperation {
 /**
  * The quotient by constants other than 0, as a product with the scaled reciprocal in type F.
  *
- * The product is off by at most 2^-22 (double: 2^-51) of itself, and then rounded to a grid much finer than the distance
- * of a quotient from a halfway case that it does not hit, and much coarser than the error: so halfway cases are exact
- * again. For 8 bits that distance is at least 2^-9, the grid 2^-10 and the error 2^-14; for 16 bits 2^-17, 2^-19 and
+ * The product may be off, by less than 2^-22 (double: 2^-51) of itself. It is then rounded to a grid that is finer than
+ * the distance of any other quotient from a halfway case, and coarser than the error: so halfway cases are exact again.
+ * For 8 bits that distance is more than 2^-9, the grid 2^-10 and the error less than 2^-14; for 16 bits 2^-17, 2^-19 and
  * 2^-35. With a positive factor all of it shrinks alike.
  */
 template <class T, class F>
@@ -189,13 +190,15 @@ template <class T>
 IppStatus quotientByConstants(
     Rows<const T> dividends, Constants<T> divisors, Rows<T> out, Extent extent, int scaleFactor)
 {
-    const ConstantsLoop<T> loop{dividends, divisors, out, extent};
-    if constexpr (hwy::IsFloat<T>())
+    const ConstantsLoop<T, 1, false> loop{dividends, divisors, out, extent};
+    if constexpr (hwy::IsFloat<T>()) {
         return loop(FloatQuotientByConstant());
-    else if constexpr (sizeof(T) == 1)
-        return loop(QuotientByConstant<T, float>(scaleFactor));
-    else
-        return loop(QuotientByConstant<T, double>(scaleFactor));
+    } else {
+        const QuotientByConstant<T, std::conditional_t<sizeof(T) == 1, float, double>> op(scaleFactor);
+        if (divisors.channels == 3)
+            return ConstantsLoop<T, 3, false>{dividends, divisors, out, extent}(op);
+        return loop(op);
+    }
 }
 
 } // namespace

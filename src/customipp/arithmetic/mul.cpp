@@ -13,6 +13,12 @@ namespace customipp {
 namespace HWY_NAMESPACE {
 namespace {
 
+template <class Low, class High>
+struct LowHigh {
+    Low low;
+    High high;
+};
+
 struct Product {
     template <class T>
     static constexpr int valueBits = 2 * bitsOf<T> - (hwy::IsSigned<T>() ? 1 : 0);
@@ -35,6 +41,13 @@ struct Product {
             else
                 return hn::IfThenElse(hn::Eq(high, hn::Zero(d)), low, greatestValue);
         }
+    }
+
+    template <class D, class V>
+    static HWY_INLINE auto halves(D, V a, V b)
+    {
+        const hn::RebindToUnsigned<D> dLow;
+        return LowHigh<hn::Vec<decltype(dLow)>, V> {hn::BitCast(dLow, hn::Mul(a, b)), hn::MulHigh(a, b)};
     }
 
     template <class D, class V>
