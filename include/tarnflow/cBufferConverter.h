@@ -31,3 +31,7 @@ public:
 private:
     cOPort<T> m_port;
 };
+
+#define TARNFLOW_DECLARE(T) extern template class cBufferConverter<T>;
+TARNFLOW_VALUE_TYPES(TARNFLOW_DECLARE)
+#undef TARNFLOW_DECLARE

@@ -43,3 +43,7 @@ private:
     cBoundary m_boundary {this};
     bool m_justDeclared = true;
 };
+
+#define TARNFLOW_DECLARE(T) extern template class cExport<T>;
+TARNFLOW_VALUE_TYPES(TARNFLOW_DECLARE)
+#undef TARNFLOW_DECLARE

@@ -118,9 +118,6 @@ public:
 
 #define TARNFLOW_DECLARE(T) \
     extern template class cIPortT<T>; \
-    extern template class cIPort<T>; \
-    extern template class cImport<T>; \
-    extern template class cExport<T>; \
-    extern template class cBufferConverter<T>;
+    extern template class cIPort<T>;
 TARNFLOW_VALUE_TYPES(TARNFLOW_DECLARE)
 #undef TARNFLOW_DECLARE

@@ -45,3 +45,7 @@ private:
     cBoundary m_boundary {this};
     bool m_justDeclared = true;
 };
+
+#define TARNFLOW_DECLARE(T) extern template class cImport<T>;
+TARNFLOW_VALUE_TYPES(TARNFLOW_DECLARE)
+#undef TARNFLOW_DECLARE
