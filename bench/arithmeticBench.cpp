@@ -53,26 +53,27 @@ void registerAbs(cImgType::ImageTypes i_type)
     });
 }
 
+template <class Functor> constexpr bool takesTwoImages = std::is_same_v<Functor, cAddProductImageFunctor>;
+
 /** A sum that is kept; the result of each call is dropped at once, so that no copy is made. */
 template <class Functor> void accumulators(const char* i_name)
 {
-    constexpr bool twoImages = std::is_same_v<Functor, cAddProductImageFunctor>;
     for (const cImgType::ImageTypes type : {cImgType::UInt8, cImgType::UInt16, cImgType::Float32}) {
         atEachSize([&](unsigned width, unsigned height) {
             registerDuel(s_group, nameOf(i_name, type), width, height, [=] {
                 const cImg a = noise(type, width, height, 1);
                 const cImg b = noise(type, width, height, 2);
                 const std::size_t sumBytes = std::size_t(width) * height * sizeof(float);
-                const std::size_t bytes = std::size_t(a.getFrameSize()) * (twoImages ? 2 : 1) + 2 * sumBytes;
+                const std::size_t bytes = std::size_t(a.getFrameSize()) * (takesTwoImages<Functor> ? 2 : 1) + 2 * sumBytes;
                 cv::Mat total = cv::Mat::zeros(int(height), int(width), CV_32FC1);
                 const auto ours = [a, b, functor = Functor()]() mutable {
-                    if constexpr (twoImages)
+                    if constexpr (takesTwoImages<Functor>)
                         functor(a, b);
                     else
                         functor(a);
                 };
                 const auto theirs = [a, b, total]() mutable {
-                    if constexpr (twoImages)
+                    if constexpr (takesTwoImages<Functor>)
                         cv::accumulateProduct(asMat(a), asMat(b), total);
                     else
                         cv::accumulateSquare(asMat(a), total);
