@@ -253,9 +253,10 @@ bool takeOver(cObj& io_target, const cObj& i_source, const QString& i_path)
     if (!io_target.isMap() || !i_source.isMap()) {
         if (io_target.isMap() == i_source.isMap() && io_target.assign(&i_source))
             return true;
-        cTracer::cerr << "cObj::readStream: the entry " << textForm::quote(i_path) << " of type "
-                      << io_target.getTypeName() << " refuses its value of type " << i_source.getTypeName()
-                      << "." << cTracer::end();
+        const QString name
+            = i_path.isEmpty() ? QStringLiteral("tree") : QLatin1String("entry ") + textForm::quote(i_path);
+        cTracer::cerr << "cObj::readStream: the " << name << " of type " << io_target.getTypeName()
+                      << " refuses its value of type " << i_source.getTypeName() << "." << cTracer::end();
         return false;
     }
     bool allTaken = true;

@@ -74,8 +74,9 @@ public:
             trouble = " has a text form of several lines";
         if (trouble == nullptr)
             return true;
-        cTracer::cerr << "cObj::write: the entry " << textForm::quote(i_path) << trouble
-                      << " and is left out." << cTracer::end();
+        const QString name
+            = i_path.isEmpty() ? QStringLiteral("tree") : QLatin1String("entry ") + textForm::quote(i_path);
+        cTracer::cerr << "cObj::write: the " << name << trouble << " and is left out." << cTracer::end();
         written.complete = false;
         return false;
     }
