@@ -14,7 +14,8 @@ namespace customipp {
 namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
-/** An order of the bytes of a vector: first 32-bit lanes move across it, then bytes within its 16-byte blocks. */
+/** An order of the bytes of a vector: first 32-bit lanes move across it, then bytes within its 16-byte
+ * blocks. */
 template <size_t Size> struct ByteOrder {
     static constexpr uint8_t zero = 0x80;
     alignas(64) uint32_t lanes[Size / 4] = {};
@@ -96,7 +97,15 @@ template <size_t Size, size_t Parts, size_t Bytes> constexpr LaneOrder<Size> unm
     return order;
 }
 
-/** The lower halves of the lanes of a, then those of b. The upper halves must be 0 in a; in b they do not matter. */
+/** The lowest byte of each 32-bit lane of v, then the next of each, and so on; d has bytes as lanes. */
+template <class D> HWY_INLINE hn::Vec<D> apartQuarters(D d, hn::Vec<D> v)
+{
+    static constexpr auto order = unmergeOrder<hn::MaxLanes(D()), 4, 1>();
+    return reorder(d, v, order);
+}
+
+/** The lower halves of the lanes of a, then those of b. The upper halves must be 0 in a; in b they do not
+ * matter. */
 template <class V> HWY_INLINE hn::Vec<hn::RepartitionToNarrow<hn::DFromV<V>>> joinHalves(V a, V b)
 {
     const hn::DFromV<V> d;
@@ -107,9 +116,11 @@ template <class V> HWY_INLINE hn::Vec<hn::RepartitionToNarrow<hn::DFromV<V>>> jo
     return hn::BitCast(dn, reorder(d8, hn::BitCast(d8, hn::Or(a, hn::ShiftLeft<8 * int(bytes)>(b))), order));
 }
 
-/** The lowest quarters of the lanes of a, b, c and e, one after the other. All but those of e must be 0 above. */
+/** The lowest quarters of the lanes of a, b, c and e, one after the other. All but those of e must be 0
+ * above. */
 template <class V>
-HWY_INLINE hn::Vec<hn::RepartitionToNarrow<hn::RepartitionToNarrow<hn::DFromV<V>>>> joinQuarters(V a, V b, V c, V e)
+HWY_INLINE hn::Vec<hn::RepartitionToNarrow<hn::RepartitionToNarrow<hn::DFromV<V>>>> joinQuarters(
+    V a, V b, V c, V e)
 {
     const hn::DFromV<V> d;
     const hn::RepartitionToNarrow<hn::RepartitionToNarrow<decltype(d)>> dn;
@@ -117,7 +128,8 @@ HWY_INLINE hn::Vec<hn::RepartitionToNarrow<hn::RepartitionToNarrow<hn::DFromV<V>
     constexpr size_t bytes = sizeof(hn::TFromV<V>) / 4;
     constexpr int bits = 8 * int(bytes);
     static constexpr auto order = unmergeOrder<hn::MaxLanes(d8), 4, bytes>();
-    const V merged = hn::Or(hn::Or(a, hn::ShiftLeft<bits>(b)), hn::Or(hn::ShiftLeft<2 * bits>(c), hn::ShiftLeft<3 * bits>(e)));
+    const V merged = hn::Or(
+        hn::Or(a, hn::ShiftLeft<bits>(b)), hn::Or(hn::ShiftLeft<2 * bits>(c), hn::ShiftLeft<3 * bits>(e)));
     return hn::BitCast(dn, reorder(d8, hn::BitCast(d8, merged), order));
 }
 

@@ -33,7 +33,8 @@ template <class S, class D> struct Widen {
     }
 };
 
-// Limits: a vector to unsigned lanes of the same width, whose lower bits are the result and whose upper bits are 0.
+// Limits: a vector to unsigned lanes of the same width, whose lower bits are the result and whose upper bits
+// are 0.
 
 /** Of integers. */
 struct Saturate {
@@ -48,7 +49,10 @@ struct Saturate {
     }
 };
 
-/** Of floats, with one of the rounding modes. The limit comes first: no conversion meets a value beyond its range. */
+/**
+ * Of floats, with one of the rounding modes. The limit comes first. The sum with 1.5 * 2^23 then is a float
+ * whose last bits are the nearest integer (ties to even) in two's complement: the same on every processor.
+ */
 template <int Mode> struct Round {
     template <class D, class V> static HWY_INLINE auto limit(V v)
     {
@@ -57,30 +61,20 @@ template <int Mode> struct Round {
         const auto lowest = hn::Set(df, float(std::numeric_limits<D>::lowest()));
         v = hn::IfThenElse(hn::Gt(v, lowest), v, lowest); // NaN is not greater
         v = hn::Min(v, hn::Set(df, float(std::numeric_limits<D>::max())));
-        const auto whole = hn::BitCast(du, round(v));
-        if constexpr (std::is_signed_v<D>)
-            return hn::And(whole, hn::Set(du, (1u << (8 * sizeof(D))) - 1));
-        else
-            return whole;
+        const auto sum = hn::BitCast(du, hn::Add(whole(v), hn::Set(df, 12582912.0f)));
+        return hn::And(sum, hn::Set(du, (1u << (8 * sizeof(D))) - 1));
     }
 
-    template <class V> static HWY_INLINE auto round(V v)
+    template <class V> static HWY_INLINE V whole(V v)
     {
-        const hn::DFromV<V> df;
-        const hn::RebindToSigned<decltype(df)> di;
-        if constexpr (Mode == ippRndNear) {
-            return hn::NearestInt(v);
-        } else {
-            const auto whole = hn::ConvertTo(di, v);
-            if constexpr (Mode == ippRndZero)
-                return whole;
-            // The fraction is exact, while v + 0.5 is not for the greatest float below 0.5. A mask is -1 as a number.
-            const auto fraction = hn::Sub(v, hn::ConvertTo(df, whole));
-            const auto half = hn::Set(df, 0.5f);
-            const auto up = hn::VecFromMask(di, hn::RebindMask(di, hn::Ge(fraction, half)));
-            const auto down = hn::VecFromMask(di, hn::RebindMask(di, hn::Le(fraction, hn::Neg(half))));
-            return hn::Add(hn::Sub(whole, up), down);
-        }
+        if constexpr (Mode == ippRndNear)
+            return v;
+        if constexpr (Mode == ippRndZero)
+            return hn::Trunc(v);
+        // The greatest float below 0.5: added to one half it gives 1, as the sum is rounded, and added to
+        // itself less than 1, where 0.5 would give 1. From 0.5 on it has the effect of 0.5.
+        const auto half = hn::Set(hn::DFromV<V>(), 0x1.fffffep-2f);
+        return hn::Trunc(hn::Add(v, hn::CopySignToAbs(half, v)));
     }
 };
 
@@ -114,7 +108,7 @@ template <class S, class D, class Limit> struct Narrow {
 
     template <class Tag> static HWY_INLINE auto limit(Tag ds, const S* from)
     {
-        return Limit::template limit<D>(hn::LoadU(ds, from));
+        return Limit::template limit<D>(loadAnywhere(ds, from));
     }
 };
 
@@ -124,7 +118,8 @@ template <class S, class Block> void convert(const Move& move)
     const hn::ScalableTag<D> d;
     const bool streams = move.isBeyondCache();
     for (size_t y = 0; y < move.area.height; ++y) {
-        const Block block {reinterpret_cast<const S*>(move.src.row(y)), reinterpret_cast<D*>(move.dst.row(y))};
+        const Block block {
+            reinterpret_cast<const S*>(move.src.row(y)), reinterpret_cast<D*>(move.dst.row(y))};
         if (streams)
             streamRow(d, move.area.width, block);
         else
@@ -137,11 +132,14 @@ template <class S, class Block> void convert(const Move& move)
 template <class S, class D> constexpr MoveKernel s_widen = convert<S, Widen<S, D>>;
 template <class S, class D> constexpr MoveKernel s_saturate = convert<S, Narrow<S, D, Saturate>>;
 template <class D, int Mode> constexpr MoveKernel s_round = convert<float, Narrow<float, D, Round<Mode>>>;
-template <class D> constexpr RoundedKernels s_rounded {{s_round<D, 0>, s_round<D, 1>, s_round<D, 2>}};
+template <class D>
+constexpr RoundedKernels s_rounded {
+    {s_round<D, 0>, s_round<D, 1>, s_round<D, 2>}
+};
 
-constexpr ConvertKernels s_kernels {s_widen<uint8_t, uint16_t>, s_widen<uint8_t, float>, s_widen<uint16_t, float>,
-    s_saturate<uint16_t, uint8_t>, s_saturate<int32_t, uint8_t>, s_rounded<uint8_t>, s_rounded<int8_t>,
-    s_rounded<uint16_t>, s_rounded<int16_t>};
+constexpr ConvertKernels s_kernels {s_widen<uint8_t, uint16_t>, s_widen<uint8_t, float>,
+    s_widen<uint16_t, float>, s_saturate<uint16_t, uint8_t>, s_saturate<int32_t, uint8_t>, s_rounded<uint8_t>,
+    s_rounded<int8_t>, s_rounded<uint16_t>, s_rounded<int16_t>};
 } // namespace
 
 const ConvertKernels& convertKernels() { return s_kernels; }

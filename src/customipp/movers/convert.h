@@ -40,7 +40,8 @@ struct ConvertKernels {
 
 /** Converts from float. The hint for accuracy is all that may be or-ed to the mode. */
 template <class D>
-IppStatus runRounded(const ConvertKernels& kernels, Rows<const Ipp32f> src, Rows<D> dst, IppiSize roi, IppRoundMode mode)
+IppStatus runRounded(
+    const ConvertKernels& kernels, Rows<const Ipp32f> src, Rows<D> dst, IppiSize roi, IppRoundMode mode)
 {
     if (const IppStatus status = checkArguments({src.first, dst.first}, roi, {src.step, dst.step}))
         return status;

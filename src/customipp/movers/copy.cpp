@@ -31,8 +31,8 @@ void copyBytes(const Move& move)
     if (move.src.first == move.dst.first && move.src.step == move.dst.step)
         return;
     const size_t bytes = move.area.width * move.dstBytes;
-    // The C library sees the length of a call only, so it streams an image without padding but no other.
-    const bool streams = move.area.height > 1 && move.isBeyondCache();
+    // memcpy streams as well, but it sees one row at a time.
+    const bool streams = move.isBeyondCache();
     for (size_t y = 0; y < move.area.height; ++y) {
         if (streams)
             streamRow(hn::ScalableTag<uint8_t>(), bytes, CopyBlock {move.src.row(y), move.dst.row(y)});

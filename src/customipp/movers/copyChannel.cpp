@@ -14,10 +14,7 @@ namespace customipp {
 namespace HWY_NAMESPACE {
 namespace {
 
-template <class T> HWY_INLINE void copyOne(const T* from, T* to)
-{
-    hwy::CopyBytes<sizeof(T)>(from, to);
-}
+template <class T> HWY_INLINE void copyOne(const T* from, T* to) { hwy::CopyBytes<sizeof(T)>(from, to); }
 
 HWY_INLINE void copyThree(const uint8_t* from, uint8_t* to)
 {
@@ -26,10 +23,10 @@ HWY_INLINE void copyThree(const uint8_t* from, uint8_t* to)
     to[2] = from[2];
 }
 
-// The row of a channel begins and ends with that channel: what lies before its first and behind its last element may
-// belong to nobody. A block of whole pixels that starts at the first element passes the last one by the channels
-// behind it, so it needs one more pixel to follow; the block at the end of the row stops at the last element, and the
-// channel is the last of its pixels.
+// The row of a channel begins and ends with that channel: what lies before its first and behind its last
+// element may belong to nobody. A block of whole pixels that starts at the first element passes the last one
+// by the channels behind it, so it needs one more pixel to follow; the block at the end of the row stops at
+// the last element, and the channel is the last of its pixels.
 
 /** One channel out of `Channels`. */
 template <class T, int Channels> struct Extract {
@@ -101,8 +98,8 @@ template <int Channels> struct Insert {
     {
         static constexpr ChannelMask<hn::MaxLanes(D()), Channels, Channel> mask;
         to += Part * hn::Lanes(d);
-        hn::StoreU(hn::IfVecThenElse(hn::Load(d, mask.bytes + Part * hn::Lanes(d)), repeatBytes<Channels, Part>(d, v),
-                       hn::LoadU(d, to)),
+        hn::StoreU(hn::IfVecThenElse(hn::Load(d, mask.bytes + Part * hn::Lanes(d)),
+                       repeatBytes<Channels, Part>(d, v), hn::LoadU(d, to)),
             d, to);
     }
 
@@ -138,7 +135,8 @@ template <int Channels> void insert(const Move& move)
         Insert<Channels> {move.src.row(y), move.dst.row(y)}.row(hn::ScalableTag<uint8_t>(), move.area.width);
 }
 
-/** Twelve bytes, three pixels' channels of each four, to the bottom of each block; `skip` lanes lie before the first. */
+/** Twelve bytes, three pixels' channels of each four, to the bottom of each block; `skip` lanes lie before
+ * the first. */
 template <size_t Size> constexpr ByteOrder<Size> threeToFourOrder(size_t skip)
 {
     ByteOrder<Size> order;
@@ -151,7 +149,8 @@ template <size_t Size> constexpr ByteOrder<Size> threeToFourOrder(size_t skip)
     return order;
 }
 
-/** Three channels into the first three of four. A vector makes Lanes / 4 pixels of its first or last bytes. */
+/** Three channels into the first three of four. A vector makes Lanes / 4 pixels of its first or last bytes.
+ */
 struct ThreeToFour {
     const uint8_t* src;
     uint8_t* dst;
@@ -207,8 +206,8 @@ void threeToFour(const Move& move)
 }
 
 /**
- * What four-channel vector `source` of four gives to three-channel vector `part` of three. Other bytes become 0: there
- * another source has its share.
+ * What four-channel vector `source` of four gives to three-channel vector `part` of three. Other bytes become
+ * 0: there another source has its share.
  */
 template <size_t Size> constexpr LaneOrder<Size> fourToThreeOrder(size_t source, size_t part)
 {
@@ -224,7 +223,8 @@ template <size_t Size> constexpr LaneOrder<Size> fourToThreeOrder(size_t source,
     const size_t lanes = Size / 4, used = lanes / 4 * 3;
     for (size_t i = 0; i < lanes; ++i) {
         const size_t lane = part * lanes + i;
-        order.lanes[i] = uint32_t(lane / used == source ? lane % used / 3 * 4 + lane % used % 3 : 3); // lane 3 is 0
+        order.lanes[i]
+            = uint32_t(lane / used == source ? lane % used / 3 * 4 + lane % used % 3 : 3); // lane 3 is 0
     }
     return order;
 }
@@ -235,7 +235,8 @@ struct FourToThree {
     const uint8_t* src;
     uint8_t* dst;
 
-    template <size_t Part, class D> static HWY_INLINE hn::Vec<D> part(D d, hn::Vec<D> first, hn::Vec<D> second)
+    template <size_t Part, class D>
+    static HWY_INLINE hn::Vec<D> part(D d, hn::Vec<D> first, hn::Vec<D> second)
     {
         static constexpr auto one = fourToThreeOrder<hn::MaxLanes(D())>(Part, Part);
         static constexpr auto two = fourToThreeOrder<hn::MaxLanes(D())>(Part + 1, Part);
@@ -263,8 +264,10 @@ void fourToThree(const Move& move)
 
 constexpr ChannelKernels s_kernels {
     {{extract<uint8_t, 3>, extract<uint16_t, 3>, extract<uint32_t, 3>},
-        {extract<uint8_t, 4>, extract<uint16_t, 4>, extract<uint32_t, 4>}},
-    {insert<3>, insert<4>}, threeToFour, fourToThree};
+     {extract<uint8_t, 4>, extract<uint16_t, 4>, extract<uint32_t, 4>}           },
+    {insert<3>,                                                         insert<4>},
+    threeToFour, fourToThree
+};
 } // namespace
 
 const ChannelKernels& copyChannelKernels() { return s_kernels; }

@@ -38,7 +38,8 @@ template <int Channels> struct DupBlock {
 template <int Channels> void dup(const Move& move)
 {
     for (size_t y = 0; y < move.area.height; ++y)
-        coverRow(hn::ScalableTag<uint8_t>(), move.area.width, DupBlock<Channels> {move.src.row(y), move.dst.row(y)});
+        coverRow(hn::ScalableTag<uint8_t>(), move.area.width,
+            DupBlock<Channels> {move.src.row(y), move.dst.row(y)});
 }
 
 constexpr DupKernels s_kernels {dup<3>, dup<4>};

@@ -11,7 +11,8 @@
 
 namespace customipp {
 
-/** Bytes that the last cache before memory holds; a destination beyond it is better written past all caches. */
+/** Bytes that the last cache before memory holds; a destination beyond it is better written past all caches.
+ */
 size_t lastLevelCacheBytes();
 
 /** What a kernel walks over: pixels, or lanes where all channels go the same way. */
@@ -58,14 +59,19 @@ template <class T> Rows<uint8_t> bytesOf(Rows<T> rows)
 }
 
 template <class S, class D>
-IppStatus runMoveKernel(MoveKernel kernel, Rows<const S> src, int srcLanes, Rows<D> dst, int dstLanes, IppiSize roi)
+IppStatus runMoveKernel(
+    MoveKernel kernel, Rows<const S> src, int srcLanes, Rows<D> dst, int dstLanes, IppiSize roi)
 {
     if (const IppStatus status = checkArguments({src.first, dst.first}, roi, {src.step, dst.step}))
         return status;
     const int together = srcLanes == dstLanes ? srcLanes : 1;
     const size_t srcBytes = sizeof(S) * size_t(srcLanes / together);
     const size_t dstBytes = sizeof(D) * size_t(dstLanes / together);
-    kernel({bytesOf(src), bytesOf(dst), areaOf(roi, together, {{src.step, srcBytes}, {dst.step, dstBytes}}), dstBytes});
+    kernel({
+        bytesOf(src), bytesOf(dst), areaOf(roi, together, {{src.step, srcBytes}, {dst.step, dstBytes}}
+            ),
+        dstBytes
+    });
     return ippStsNoErr;
 }
 

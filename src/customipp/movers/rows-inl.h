@@ -15,11 +15,32 @@ namespace customipp {
 namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
+/**
+ * A vector from any address, and to any. Floats that are less than a full vector go as integers: as floats
+ * they would pass through a pointer that the language wants aligned.
+ */
+template <class D> HWY_INLINE hn::Vec<D> loadAnywhere(D d, const hn::TFromD<D>* from)
+{
+    if constexpr (hwy::IsFloat<hn::TFromD<D>>() && hn::MaxLanes(d) < 4)
+        return hn::BitCast(d, hn::LoadU(hn::RebindToUnsigned<D>(), reinterpret_cast<const uint32_t*>(from)));
+    else
+        return hn::LoadU(d, from);
+}
+template <class D> HWY_INLINE void storeAnywhere(hn::Vec<D> v, D d, hn::TFromD<D>* to)
+{
+    if constexpr (hwy::IsFloat<hn::TFromD<D>>() && hn::MaxLanes(d) < 4) {
+        const hn::RebindToUnsigned<D> du;
+        hn::StoreU(hn::BitCast(du, v), du, reinterpret_cast<uint32_t*>(to));
+    } else {
+        hn::StoreU(v, d, to);
+    }
+}
+
 /** Writes a vector in the ordinary way. */
 struct Cached {
     template <class D> HWY_INLINE void operator()(hn::Vec<D> v, D d, hn::TFromD<D>* to) const
     {
-        hn::StoreU(v, d, to);
+        storeAnywhere(v, d, to);
     }
 };
 
@@ -32,9 +53,10 @@ struct Streamed {
 };
 
 /**
- * Covers a row of n pixels with blocks of Lanes(d) pixels by block(d, x, store); the last block ends with the row and
- * overlaps its neighbour. A row shorter than a block takes smaller ones, down to Block::least pixels, and below that
- * block.one(x). So no block passes the end of the row, and a pixel that is written twice gets the same value twice.
+ * Covers a row of n pixels with blocks of Lanes(d) pixels by block(d, x, store); the last block ends with the
+ * row and overlaps its neighbour. A row shorter than a block takes smaller ones, down to Block::least pixels,
+ * and below that block.one(x). So no block passes the end of the row, and a pixel that is written twice gets
+ * the same value twice.
  */
 template <class D, class Block> HWY_INLINE void coverRow(D d, size_t n, const Block& block)
 {

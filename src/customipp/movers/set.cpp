@@ -67,7 +67,9 @@ template <size_t Bytes> void fillPixels(const Fill& fill)
     for (size_t y = 0; y < fill.area.height; ++y) {
         uint8_t* to = fill.dst.row(y);
         const size_t n = fill.area.width * Bytes;
-        if (fill.isBeyondCache)
+        if (!fill.isBeyondCache && Bytes == 1)
+            std::memset(to, *fill.pixel, n);
+        else if (fill.isBeyondCache)
             fillRow(d, to, n, bytesToAlignment(d, to), pattern, Streamed());
         else
             fillRow(d, to, n, 0, pattern, Cached());
@@ -76,7 +78,8 @@ template <size_t Bytes> void fillPixels(const Fill& fill)
         hwy::FlushStream();
 }
 
-/** One byte of each four; the others are read and put back. The first and the last byte are of that channel. */
+/** One byte of each four; the others are read and put back. The first and the last byte are of that channel.
+ */
 struct FillChannel {
     uint8_t* dst;
     uint8_t value;
@@ -109,7 +112,10 @@ void fillChannel(const Fill& fill)
         FillChannel {fill.dst.row(y), *fill.pixel}.row(hn::ScalableTag<uint8_t>(), fill.area.width);
 }
 
-constexpr SetKernels s_kernels {{fillPixels<1>, fillPixels<2>, fillPixels<3>, fillPixels<4>}, fillChannel};
+constexpr SetKernels s_kernels {
+    {fillPixels<1>, fillPixels<2>, fillPixels<3>, fillPixels<4>},
+    fillChannel
+};
 } // namespace
 
 const SetKernels& setKernels() { return s_kernels; }

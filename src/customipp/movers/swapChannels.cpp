@@ -23,7 +23,8 @@ struct Order {
     }
 };
 
-/** The last vector of a row overlaps its neighbour: it is computed before any pixel has changed, and stored last. */
+/** The last vector of a row overlaps its neighbour: it is computed before any pixel has changed, and stored
+ * last. */
 template <class D> HWY_INLINE void swapRow(D d, uint8_t* row, size_t n, const Order& order)
 {
     const size_t step = hn::Lanes(d);

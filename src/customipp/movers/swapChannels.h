@@ -16,14 +16,18 @@ struct SwapChannelsKernels {
     SwapKernel four;
 };
 
-inline IppStatus runSwapChannels(const SwapChannelsKernels& kernels, Rows<uint8_t> pixels, IppiSize roi, const int* order)
+inline IppStatus runSwapChannels(
+    const SwapChannelsKernels& kernels, Rows<uint8_t> pixels, IppiSize roi, const int* order)
 {
     if (const IppStatus status = checkArguments({pixels.first, order}, roi, {pixels.step}))
         return status;
     for (int k = 0; k < 4; ++k)
         if (order[k] < 0 || order[k] > 3)
             return ippStsChannelOrderErr;
-    kernels.four({pixels, areaOf(roi, 1, {{pixels.step, 4}}), order});
+    kernels.four({
+        pixels, areaOf(roi, 1, {{pixels.step, 4}}
+           ), order
+    });
     return ippStsNoErr;
 }
 

@@ -6,11 +6,12 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "../movers/rows-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace customipp {
 namespace HWY_NAMESPACE {
 namespace {
-namespace hn = hwy::HWY_NAMESPACE;
 
 /** One number for each channel, repeated over a vector that begins with any of the channels. */
 template <class T, int Channels> struct Repeated {
@@ -22,19 +23,25 @@ template <class T, int Channels> struct Repeated {
         for (size_t i = 0; i < sizeof(lanes) / sizeof(T); ++i)
             lanes[i] = i % Channels < used ? values[i % Channels] : T(0);
     }
-    template <class D> HWY_INLINE hn::Vec<D> at(D d, size_t lane) const { return hn::LoadU(d, lanes + lane % Channels); }
+    template <class D> HWY_INLINE hn::Vec<D> at(D d, size_t lane) const
+    {
+        return loadAnywhere(d, lanes + lane % Channels);
+    }
 };
 
 template <class T, int Channels> struct Replace {
     Repeated<T, Channels> thresholdLT, valueLT, thresholdGT, valueGT;
 
     explicit Replace(const TwoLevels<T>& levels)
-        : thresholdLT(levels.thresholdLT), valueLT(levels.valueLT), thresholdGT(levels.thresholdGT)
-        , valueGT(levels.valueGT)
+        : thresholdLT(levels.thresholdLT),
+          valueLT(levels.valueLT),
+          thresholdGT(levels.thresholdGT),
+          valueGT(levels.valueGT)
     {
     }
 
-    /** The result for the vector v that begins at a lane of the row. Comparisons with NaN are false, so it stays. */
+    /** The result for the vector v that begins at a lane of the row. Comparisons with NaN are false, so it
+     * stays. */
     template <class D> HWY_INLINE hn::Vec<D> operator()(D d, hn::Vec<D> v, size_t lane) const
     {
         const auto below = hn::Lt(v, thresholdLT.at(d, lane)), above = hn::Gt(v, thresholdGT.at(d, lane));
@@ -46,10 +53,7 @@ template <class T, int Channels> struct Replace {
 template <class T, int Channels> struct Clamp {
     Repeated<T, Channels> least, greatest;
 
-    explicit Clamp(const TwoLevels<T>& levels)
-        : least(levels.thresholdLT), greatest(levels.thresholdGT)
-    {
-    }
+    explicit Clamp(const TwoLevels<T>& levels) : least(levels.thresholdLT), greatest(levels.thresholdGT) {}
     template <class D> HWY_INLINE hn::Vec<D> operator()(D d, hn::Vec<D> v, size_t lane) const
     {
         return hn::Min(hn::Max(v, least.at(d, lane)), greatest.at(d, lane));
@@ -63,30 +67,31 @@ template <int Channels, class D> HWY_INLINE void store(D d, hn::Vec<D> v, hn::TF
         const auto alpha = hn::BitCast(d, hn::Set(hn::Repartition<uint32_t, D>(), 0xFF000000u));
         v = hn::IfVecThenElse(alpha, hn::LoadU(d, to), v);
     }
-    hn::StoreU(v, d, to);
+    storeAnywhere(v, d, to);
 }
 
 /**
- * The source may be the destination, so the last vector, which overlaps its neighbour, is computed before any pixel has
- * changed, and stored last.
+ * The source may be the destination, so the last vector, which overlaps its neighbour, is computed before any
+ * pixel has changed, and stored last.
  */
 template <int Channels, class D, class T, class Op>
 HWY_INLINE void thresholdRow(D d, const T* src, T* dst, size_t n, const Op& op)
 {
     const size_t step = hn::Lanes(d);
     if (n >= step) {
-        const auto last = op(d, hn::LoadU(d, src + n - step), n - step);
+        const auto last = op(d, loadAnywhere(d, src + n - step), n - step);
         size_t x = 0;
         // After three vectors the channels begin anew, so nothing of this depends on x.
         for (; x + 3 * step <= n; x += 3 * step) {
-            const auto a = op(d, hn::LoadU(d, src + x), 0), b = op(d, hn::LoadU(d, src + x + step), step);
-            const auto c = op(d, hn::LoadU(d, src + x + 2 * step), 2 * step);
+            const auto a = op(d, loadAnywhere(d, src + x), 0),
+                       b = op(d, loadAnywhere(d, src + x + step), step);
+            const auto c = op(d, loadAnywhere(d, src + x + 2 * step), 2 * step);
             store<Channels>(d, a, dst + x);
             store<Channels>(d, b, dst + x + step);
             store<Channels>(d, c, dst + x + 2 * step);
         }
         for (; x + step <= n; x += step)
-            store<Channels>(d, op(d, hn::LoadU(d, src + x), x), dst + x);
+            store<Channels>(d, op(d, loadAnywhere(d, src + x), x), dst + x);
         store<Channels>(d, last, dst + n - step);
     } else if constexpr (hn::MaxLanes(d) > (Channels == 4 ? 4 : 1)) {
         thresholdRow<Channels>(hn::Half<D>(), src, dst, n, op);
@@ -101,15 +106,16 @@ template <int Channels, class T, class Op> void thresholdRows(const TwoLevelsMov
 
 template <class T, int Channels> void threshold(const TwoLevelsMove<T>& move)
 {
-    // Not for float: the least of two numbers treats NaN and the sign of 0 differently from processor to processor.
+    // Not for float: the least of two numbers treats NaN and the sign of 0 differently from processor to
+    // processor.
     if (!hwy::IsFloat<T>() && move.levels.isClamp(Channels == 1 ? 1 : 3))
         thresholdRows<Channels>(move, Clamp<T, Channels>(move.levels));
     else
         thresholdRows<Channels>(move, Replace<T, Channels>(move.levels));
 }
 
-constexpr ThresholdLTValGTValKernels s_kernels {threshold<uint8_t, 1>, threshold<uint16_t, 1>, threshold<int16_t, 1>,
-    threshold<float, 1>, threshold<uint8_t, 3>, threshold<uint8_t, 4>};
+constexpr ThresholdLTValGTValKernels s_kernels {threshold<uint8_t, 1>, threshold<uint16_t, 1>,
+    threshold<int16_t, 1>, threshold<float, 1>, threshold<uint8_t, 3>, threshold<uint8_t, 4>};
 } // namespace
 
 const ThresholdLTValGTValKernels& thresholdLTValGTValKernels() { return s_kernels; }

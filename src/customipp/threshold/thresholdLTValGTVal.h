@@ -58,17 +58,21 @@ struct ThresholdLTValGTValKernels {
 
 /** Four channels are three with a fourth that stays. */
 template <class T, int Channels>
-IppStatus runTwoLevels(const ThresholdLTValGTValKernels& kernels, Rows<const T> src, Rows<T> dst, IppiSize roi,
-    const TwoLevels<T>& levels)
+IppStatus runTwoLevels(const ThresholdLTValGTValKernels& kernels, Rows<const T> src, Rows<T> dst,
+    IppiSize roi, const TwoLevels<T>& levels)
 {
     if (const IppStatus status = checkArguments(
-            {src.first, dst.first, levels.thresholdLT, levels.valueLT, levels.thresholdGT, levels.valueGT}, roi,
-            {src.step, dst.step}))
+            {src.first, dst.first, levels.thresholdLT, levels.valueLT, levels.thresholdGT, levels.valueGT},
+            roi, {src.step, dst.step}))
         return status;
     for (int c = 0; c < (Channels == 1 ? 1 : 3); ++c)
         if (levels.thresholdLT[c] > levels.thresholdGT[c])
             return ippStsThresholdErr;
-    const Area area = areaOf(roi, Channels, {{src.step, sizeof(T)}, {dst.step, sizeof(T)}});
+    const Area area = areaOf(roi, Channels,
+        {
+            {src.step, sizeof(T)},
+            {dst.step, sizeof(T)}
+    });
     kernels.of<T, Channels>()({src, dst, area, levels});
     return ippStsNoErr;
 }
