@@ -1,7 +1,9 @@
 #pragma once
 
 #include <tarnflow/cBufferConverterBase.h>
-#include <tarnflow/cOPort.h>
+#include <tarnflow/cBufferT.h>
+
+template <class T> class cOPort;
 
 /** Makes buffers of type T; they live in a pool of its own, as large as that of an output of T. */
 template <class T> class TARNFLOW_EXPORT cBufferConverter : public cBufferConverterBase {
@@ -32,6 +34,4 @@ private:
     cOPort<T> m_port;
 };
 
-#define TARNFLOW_DECLARE(T) extern template class cBufferConverter<T>;
-TARNFLOW_VALUE_TYPES(TARNFLOW_DECLARE)
-#undef TARNFLOW_DECLARE
+#include <tarnflow/valuePorts.h>

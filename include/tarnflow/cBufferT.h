@@ -37,6 +37,6 @@ private:
 
 #include <tarnflow/valueTypes.h>
 
-#define TARNFLOW_DECLARE(T) extern template class cBufferT<T>;
+#define TARNFLOW_DECLARE(T) extern template class TARNFLOW_EXPORT cBufferT<T>;
 TARNFLOW_VALUE_TYPES(TARNFLOW_DECLARE)
 #undef TARNFLOW_DECLARE

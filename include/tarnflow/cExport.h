@@ -1,7 +1,10 @@
 #pragma once
 
 #include <tarnflow/cBoundary.h>
-#include <tarnflow/cOPort.h>
+#include <tarnflow/cOPortBase.h>
+#include <tarnflow/valueTypes.h>
+
+template <class T> class cOPort;
 
 /**
  * An output of a subgraph, which stands for output ports inside it. It sends nothing itself: the ports behind it deliver
@@ -44,6 +47,4 @@ private:
     bool m_justDeclared = true;
 };
 
-#define TARNFLOW_DECLARE(T) extern template class cExport<T>;
-TARNFLOW_VALUE_TYPES(TARNFLOW_DECLARE)
-#undef TARNFLOW_DECLARE
+#include <tarnflow/valuePorts.h>

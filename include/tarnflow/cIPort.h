@@ -110,14 +110,4 @@ public:
     using cIPortT<T>::cIPortT;
 };
 
-// The ports make each other (an output for an input, the boundary ports for both), so one header brings all of them.
-#include <tarnflow/cBufferConverter.h>
-#include <tarnflow/cExport.h>
-#include <tarnflow/cImport.h>
-#include <tarnflow/cOPort.h>
-
-#define TARNFLOW_DECLARE(T) \
-    extern template class cIPortT<T>; \
-    extern template class cIPort<T>;
-TARNFLOW_VALUE_TYPES(TARNFLOW_DECLARE)
-#undef TARNFLOW_DECLARE
+#include <tarnflow/valuePorts.h>

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <tarnflow/cBoundary.h>
-#include <tarnflow/cIPort.h>
+#include <tarnflow/cIPortBase.h>
+
+template <class T> class cIPort;
 
 /**
  * An input of a subgraph, which stands for input ports inside it. It holds no data: senders deliver straight to the ports
@@ -46,6 +48,4 @@ private:
     bool m_justDeclared = true;
 };
 
-#define TARNFLOW_DECLARE(T) extern template class cImport<T>;
-TARNFLOW_VALUE_TYPES(TARNFLOW_DECLARE)
-#undef TARNFLOW_DECLARE
+#include <tarnflow/valuePorts.h>

@@ -132,10 +132,4 @@ public:
     using cOPortT<T>::cOPortT;
 };
 
-#include <tarnflow/cIPort.h>
-
-#define TARNFLOW_DECLARE(T) \
-    extern template class cOPortT<T>; \
-    extern template class cOPort<T>;
-TARNFLOW_VALUE_TYPES(TARNFLOW_DECLARE)
-#undef TARNFLOW_DECLARE
+#include <tarnflow/valuePorts.h>

@@ -10,7 +10,8 @@
 /**
  * The value types whose buffers and ports this library instantiates: apply(T) for each.
  *
- * One list serves the declarations (`extern template`) and the one source with the instances.
+ * One list serves the declarations (`extern template`) and the one source with the instances. The declarations repeat the
+ * export mark: a type such as QVector<int>, which has none itself, would hide the instance.
  */
 #define TARNFLOW_VALUE_TYPES(apply) \
     apply(double) \

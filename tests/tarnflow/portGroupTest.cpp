@@ -257,6 +257,20 @@ TEST(portGroupTest, SeveralSendersOfOneInputAreSortedByStamp)
     EXPECT_EQ(station->group.getDataCount(harness.inport("a")), 1);
 }
 
+TEST(portGroupTest, BuffersOfEqualStampsKeepTheirOrderHoweverManyTheyAre)
+{
+    StationHarness harness(new OneInput(sendValue));
+    cOPortBase* second = harness.addSender("a");
+    QVector<double> expected(60);
+    for (int i = 0; i < 60; ++i) {
+        StationHarness::send(i % 2 ? second : harness.sender("a"), double(i), 10 * (1 + i % 3));
+        expected[(i % 3) * 20 + i / 3] = i;
+    }
+    harness.finish("a", 30);
+    harness.runAll();
+    EXPECT_EQ(harness.values<double>("out"), expected);
+}
+
 TEST(portGroupTest, FromOneSenderALaterBufferHidesWhatIsBehindIt)
 {
     auto* station = new OneInput(sendValue);
