@@ -7,12 +7,15 @@
 #include <tarnbase/cFileSystem.h>
 #include <tarnbase/cTracer.h>
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QMetaEnum>
-#include <QSaveFile>
 #include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
 #include <stdexcept>
 
 namespace {
@@ -90,6 +93,49 @@ QStringList holders(cImgType::ImageTypes i_type, unsigned i_channels)
     return names;
 }
 
+/**
+ * A file that is written beside its place and moved there when it is whole; gone if that does not come. (QSaveFile also
+ * waits until the disk has it, which costs more than all the rest.)
+ */
+class cPart {
+public:
+    explicit cPart(const QString& i_path) : m_path(i_path), m_file(partName(i_path))
+    {
+        if (!m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+            fail(m_file.errorString());
+    }
+    ~cPart()
+    {
+        if (!m_done)
+            m_file.remove();
+    }
+    cPart(const cPart&) = delete;
+    cPart& operator=(const cPart&) = delete;
+
+    QIODevice& file() { return m_file; }
+    void commit()
+    {
+        const bool flushed = m_file.flush();
+        m_file.close();
+        if (!flushed || m_file.error() != QFileDevice::NoError)
+            fail(m_file.errorString());
+        if (std::rename(QFile::encodeName(m_file.fileName()).constData(), QFile::encodeName(m_path).constData()) != 0)
+            fail(qt_error_string(errno));
+        m_done = true;
+    }
+
+private:
+    static QString partName(const QString& i_path)
+    {
+        static std::atomic<unsigned> s_count{0};
+        return QStringLiteral("%1.%2-%3.part").arg(i_path).arg(QCoreApplication::applicationPid()).arg(++s_count);
+    }
+
+    const QString m_path;
+    QFile m_file;
+    bool m_done = false;
+};
+
 } // namespace
 
 void cFileFormat::checkSize(quint64 i_width, quint64 i_height, quint64 i_bytesPerPixel)
@@ -166,12 +212,9 @@ void cFileFormat::write(const QString& i_path, const cImg& i_image) const
                      others.isEmpty() ? QStringLiteral("none") : others.join(QStringLiteral(", "))));
     }
     checkSize(i_image.getWidth(), i_image.getHeight(), i_image.getImgType().getPixelSize());
-    QSaveFile file(i_path);
-    if (!file.open(QIODevice::WriteOnly))
-        fail(file.errorString());
-    encode(i_image, file);
-    if (!file.commit())
-        fail(file.errorString());
+    cPart part(i_path);
+    encode(i_image, part.file());
+    part.commit();
 }
 
 namespace host {

@@ -27,6 +27,7 @@ public:
     void start(StartReasons i_reason) override;
 
     QString getFile(qint64 i_stamp) const override;
+    int getFileCount() const override { return m_files.size(); }
     bool reads(const QString& i_absolutePath) const override;
     qint64 getTotal() const override;
     qint64 getDone() const override;

@@ -3,12 +3,14 @@
 #include "cConsole.h"
 #include "cProgress.h"
 #include "cSaveStation.h"
+#include "commands.h"
 #include "fateTable.h"
 
 #include <QElapsedTimer>
 #include <QStringList>
 #include <tarnbase/cError.h>
 #include <tarnflow/cGraph.h>
+#include <tarnflow/cIPortBase.h>
 #include <tarnflow/cPortGroupBase.h>
 
 namespace {
@@ -60,10 +62,7 @@ QString cRunner::frameOf(const cError& i_error) const
     const cBufferStamp stamp = station->getPortGroups().first()->getStamp();
     if (!stamp.isValid())
         return {};
-    QString file;
-    const auto sources = host::sourcesOf(*station);
-    for (int i = 0; file.isEmpty() && i < sources.size(); ++i)
-        file = sources[i]->getFile(stamp.getStamp());
+    const QString file = host::nameGivingFile(host::sourcesOf(*station), stamp.getStamp());
     const QString number = QStringLiteral("frame %1").arg(stamp.getStamp());
     return file.isEmpty() ? number : QStringLiteral("%1 (%2)").arg(file, number);
 }
@@ -186,7 +185,8 @@ void cRunner::report(qint64 i_milliseconds, const QList<cPortFates>& i_fates)
 {
     const QMutexLocker lock(&m_mutex);
     if (m_options.stats || (host::isAnyUnused(i_fates) && !m_options.quiet))
-        m_console.writeLine(host::fateTable(i_fates));
+        m_console.writeLine(host::fateTable(i_fates, m_options.stats));
+    reportRefused(i_fates);
     if (m_options.stats)
         reportTimes();
     if (!m_failures.isEmpty()) {
@@ -208,6 +208,21 @@ void cRunner::report(qint64 i_milliseconds, const QList<cPortFates>& i_fates)
                             .arg(seconds > 0 ? double(done) / seconds : 0.0, 0, 'f', 1)
                             .arg(written)
                             .arg(m_failures.size()));
+}
+
+void cRunner::reportRefused(const QList<cPortFates>& i_fates)
+{
+    for (const cPortFates& port : i_fates) {
+        if (port.output || port.fates.refused == 0)
+            continue;
+        const cDfpNode* node = m_graph.findNode(port.node);
+        const cIPortBase* input = node ? node->getInport(port.port) : nullptr;
+        if (input)
+            m_console.writeLine(QStringLiteral("%1.%2 refused %3 frames: it takes %4")
+                                    .arg(port.node, port.port)
+                                    .arg(port.fates.refused)
+                                    .arg(host::describeValues(*input)));
+    }
 }
 
 void cRunner::reportTimes()

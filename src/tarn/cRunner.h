@@ -61,6 +61,8 @@ private:
     QString frameOf(const cError& i_error) const;
     int countFailures() const;
     void report(qint64 i_milliseconds, const QList<cPortFates>& i_fates);
+    /** What ports that refused frames would have taken. */
+    void reportRefused(const QList<cPortFates>& i_fates);
     void reportTimes();
     bool isSomethingLost(const QList<cPortFates>& i_fates) const;
     qint64 getDone() const;

@@ -83,7 +83,7 @@ cStationInfo cSaveStation::getWords()
     info.notes = QStringList{
         QStringLiteral("A pixel type that the format cannot hold is refused, never narrowed; TIFF holds every type."),
         QStringLiteral("Two frames never write the same file, and no file that is read is written over: the frame fails."),
-        QStringLiteral("A frame of a station with two inputs has the stem of its first input."),
+        QStringLiteral("{stem} is the name of the frame's own input; of several, of the one with the most files, then of the first."),
         QStringLiteral("Missing folders are made. A file from an earlier run is replaced when the new one is complete."),
     };
     info.mainParam = QStringLiteral("path");
@@ -132,19 +132,11 @@ cOutputName::Frame cSaveStation::describe(const cImg& i_image, const cBuffer& i_
 {
     cOutputName::Frame frame;
     frame.stamp = i_buffer.getStamp().getStamp();
-    frame.index = quint64(m_arrived);
-    frame.stem = i_image.getName();
     if (i_buffer.getParentPort())
         frame.port = i_buffer.getParentPort()->getName();
-    for (const cFrameSource* source : m_sources) {
-        const QString file = source->getFile(frame.stamp);
-        if (file.isEmpty())
-            continue;
-        frame.index = quint64(frame.stamp);
-        if (frame.stem.isEmpty())
-            frame.stem = QFileInfo(file).completeBaseName();
-        break;
-    }
+    const QString file = host::nameGivingFile(m_sources, frame.stamp);
+    frame.stem = file.isEmpty() ? i_image.getName() : QFileInfo(file).completeBaseName();
+    frame.index = quint64(file.isEmpty() ? m_arrived : frame.stamp);
     return frame;
 }
 

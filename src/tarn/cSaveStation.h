@@ -11,8 +11,8 @@
  * Writes each frame to a file of its own.
  *
  * No frame writes over a file that another frame of the same run wrote, from whatever station, nor over a file that is
- * read: that frame fails instead. A frame that has no name (stations with two inputs give none) takes the stem of the file
- * that its first source read for the stamp.
+ * read: that frame fails instead. A frame is named after the file that its source read for the stamp, whatever name
+ * the image carries: of several sources, the one with the most files.
  */
 class cSaveStation : public cStation, public cHostStation {
     Q_OBJECT

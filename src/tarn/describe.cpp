@@ -71,6 +71,23 @@ void collect(const cObj& i_map, const QString& i_prefix, const cStationInfo& i_i
     }
 }
 
+constexpr int s_lineLength = 100;
+
+/** Text cut at blanks, so that no line is longer than it must be; lines after the first are indented. */
+QString wrapped(const QString& i_text, int i_indent)
+{
+    QString text, line;
+    const QStringList words = i_text.split(u' ', Qt::SkipEmptyParts);
+    for (const QString& word : words) {
+        if (!line.isEmpty() && i_indent + line.size() + 1 + word.size() > s_lineLength) {
+            text += line + u'\n' + QString(i_indent, u' ');
+            line.clear();
+        }
+        line += (line.isEmpty() ? QString() : QStringLiteral(" ")) + word;
+    }
+    return text + line;
+}
+
 QString table(const QList<Row>& i_rows)
 {
     int key = 0, type = 0, value = 0;
@@ -81,9 +98,13 @@ QString table(const QList<Row>& i_rows)
     }
     QString text;
     for (const Row& row : i_rows) {
-        QString line = QStringLiteral("  %1  %2  %3  %4")
-                           .arg(row.key.leftJustified(key), row.type.leftJustified(type), row.value.leftJustified(value),
-                               row.meaning);
+        // Ports have no value column: their second one is the text.
+        QString line = QStringLiteral("  ") + row.key.leftJustified(key) + QStringLiteral("  ");
+        if (value == 0)
+            line += wrapped(row.type + (row.meaning.isEmpty() ? QString() : QStringLiteral("; ") + row.meaning), key + 4);
+        else
+            line += row.type.leftJustified(type) + QStringLiteral("  ") + row.value.leftJustified(value)
+                + QStringLiteral("  ") + wrapped(row.meaning, key + type + value + 8);
         while (line.endsWith(u' '))
             line.chop(1);
         text += line + u'\n';
@@ -175,7 +196,7 @@ QString describeStation(const QString& i_identifier, cStation& i_station)
     if (!info.notes.isEmpty()) {
         text += QStringLiteral("\nnotes\n");
         for (const QString& note : info.notes)
-            text += QStringLiteral("  - ") + note + u'\n';
+            text += QStringLiteral("  - ") + wrapped(note, 4) + u'\n';
     }
     return text + QStringLiteral("\nexample\n  tarn run -e '") + exampleLine(i_identifier, info, i_station)
         + QStringLiteral("'\n");

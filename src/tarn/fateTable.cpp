@@ -26,26 +26,28 @@ constexpr Column s_columns[] = {
 };
 
 /** Of an output only the frames sent and the results lost are counted. */
-bool isListed(const cPortFates& i_port)
+bool isUnused(const cPortFates& i_port)
 {
-    return !i_port.output || i_port.fates.lost > 0;
+    return i_port.output ? i_port.fates.lost > 0 : !i_port.fates.isAllUsed();
 }
 
 } // namespace
 
 bool isAnyUnused(const QList<cPortFates>& i_fates)
 {
-    return std::any_of(i_fates.begin(), i_fates.end(), [](const cPortFates& i_port) {
-        return i_port.output ? i_port.fates.lost > 0 : !i_port.fates.isAllUsed();
-    });
+    return std::any_of(i_fates.begin(), i_fates.end(), isUnused);
 }
 
-QString fateTable(const QList<cPortFates>& i_fates)
+QString fateTable(const QList<cPortFates>& i_fates, bool i_all)
 {
+    QList<cPortFates> listed;
+    for (const cPortFates& port : i_fates)
+        if (isUnused(port) || (i_all && !port.output))
+            listed.append(port);
     QList<Column> columns;
     for (const Column& column : s_columns) {
-        const bool counted = std::any_of(i_fates.begin(), i_fates.end(),
-            [&](const cPortFates& i_port) { return isListed(i_port) && i_port.fates.*column.count > 0; });
+        const bool counted = std::any_of(listed.begin(), listed.end(),
+            [&](const cPortFates& i_port) { return i_port.fates.*column.count > 0; });
         if (column.always || counted)
             columns.append(column);
     }
@@ -53,9 +55,7 @@ QString fateTable(const QList<cPortFates>& i_fates)
     rows.append(QStringList{QStringLiteral("port")});
     for (const Column& column : qAsConst(columns))
         rows.first().append(QString::fromLatin1(column.title));
-    for (const cPortFates& port : i_fates) {
-        if (!isListed(port))
-            continue;
+    for (const cPortFates& port : qAsConst(listed)) {
         QStringList row{port.node + u'.' + port.port + (port.output ? QStringLiteral(" (output)") : QString())};
         for (const Column& column : qAsConst(columns)) {
             const bool told = !port.output || column.count == &cFates::arrived || column.count == &cFates::lost;

@@ -63,6 +63,20 @@ QList<cFrameSource*> sourcesOf(const cStation& i_station)
     return walk.found;
 }
 
+QString nameGivingFile(const QList<cFrameSource*>& i_sources, qint64 i_stamp)
+{
+    QString file;
+    int most = 0;
+    for (const cFrameSource* source : i_sources) {
+        const QString own = source->getFile(i_stamp);
+        if (!own.isEmpty() && source->getFileCount() > most) {
+            most = source->getFileCount();
+            file = own;
+        }
+    }
+    return file;
+}
+
 void registerStations()
 {
     static const bool s_done = [] {

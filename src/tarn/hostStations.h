@@ -26,6 +26,8 @@ public:
 
     /** The file of a stamp; empty if the source has no such stamp. */
     virtual QString getFile(qint64 i_stamp) const = 0;
+    /** How many different files there are. */
+    virtual int getFileCount() const = 0;
     /** Whether the source reads this file. */
     virtual bool reads(const QString& i_absolutePath) const = 0;
     /** Frames that the source will have made at its end. */
@@ -40,6 +42,12 @@ namespace host {
 
 /** The sources from which a station's frames come, along all links backwards, those of its first input first. */
 QList<cFrameSource*> sourcesOf(const cStation& i_station);
+
+/**
+ * The file that gives a frame its name: of the sources that have the stamp the one with the most files, the first of equals.
+ * (A single dark frame that goes with every picture names none of them.) Empty if there is none.
+ */
+QString nameGivingFile(const QList<cFrameSource*>& i_sources, qint64 i_stamp);
 
 /** Registers the stations of this library with their words. Once; later calls do nothing. */
 void registerStations();

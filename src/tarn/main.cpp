@@ -5,11 +5,34 @@
 
 #include <QCoreApplication>
 #include <QTextCodec>
+#include <cstdio>
 #include <exception>
 #include <tarnbase/cTracer.h>
 
+namespace {
+
+/** Libraries note in Qt's debug log that they come and go; that is nothing for a user's standard error. */
+void passWarnings(QtMsgType i_type, const QMessageLogContext&, const QString& i_text)
+{
+    if (i_type != QtDebugMsg && i_type != QtInfoMsg)
+        std::fprintf(stderr, "%s\n", qUtf8Printable(i_text));
+}
+
+// The first of these notes is written while libraries are loaded, before anything else of this program runs. The
+// sanitizers' run-time is not up yet at that time.
+#if defined(__linux__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+void installEarly()
+{
+    qInstallMessageHandler(passWarnings);
+}
+__attribute__((section(".preinit_array"), used)) void (*s_installEarly)() = installEarly;
+#endif
+
+} // namespace
+
 int main(int i_count, char** i_words)
 {
+    qInstallMessageHandler(passWarnings);
     // File names and messages are UTF-8 whatever the locale says: in the plain "C" one names would not survive.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     const QCoreApplication application(i_count, i_words);
