@@ -72,8 +72,10 @@ cTracer& cTracer::operator<<(const char* i_text)
 cTracer& cTracer::operator<<(const End& i_end)
 {
     std::unique_ptr<Line> line;
+    QDateTime now;
     {
         const std::lock_guard lock(s_mutex);
+        now = QDateTime::currentDateTime();
         const auto entry = m_lines->ofThread.find(std::this_thread::get_id());
         if (entry != m_lines->ofThread.end()) {
             line = std::move(entry->second);
@@ -86,8 +88,8 @@ cTracer& cTracer::operator<<(const End& i_end)
         const QString location = QLatin1Char(' ') + baseName(i_end.file) + QLatin1String(" (")
             + QString::number(i_end.line) + QLatin1Char(')');
         // Listeners and message handlers are foreign code: none of our locks is held.
-        cTracerManager::instance().fireNewText({location, text, m_name, true, state.testFlag(ToDevice),
-            state.testFlag(ToDebugLog), QDateTime::currentDateTime()});
+        cTracerManager::instance().fireNewText(
+            {location, text, m_name, true, state.testFlag(ToDevice), state.testFlag(ToDebugLog), now});
         if (state.testFlag(ToDebugLog))
             QMessageLogger(i_end.file, i_end.line, nullptr).debug().noquote().nospace() << text;
     }

@@ -234,7 +234,7 @@ bool isEightBit(const ColourParts& i_parts)
     for (int i = 0; i < 4; ++i)
         if (i_parts.values[i] % 0x101 != 0)
             return false;
-    return i_parts.spec == QColor::Rgb;
+    return i_parts.spec == QColor::Rgb && i_parts.values[4] == 0;
 }
 
 // "hsv(65535,12000,65535,65535,0)": a colour that has more than eight bits, or no red, green and blue at all.
