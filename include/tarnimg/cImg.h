@@ -64,6 +64,8 @@ public:
 
     /** A deep copy of the whole view. */
     cImg clone() const;
+    /** As `clone`, but with undefined pixels: for whoever writes all of them at once. */
+    cImg cloneWithoutPixels() const;
     /**
      * Gives this handle a record and pixels of its own if others share them. Pixels that are shared with the parent or
      * with sub-images stay shared. The void image stays void.

@@ -28,8 +28,14 @@ public:
     cImgData(cImgType::ImageTypes i_type, unsigned i_width, unsigned i_height, unsigned i_numChannels);
     cImgData(cImgType::ImageTypes i_type, unsigned i_width, unsigned i_height, unsigned i_xPitch, unsigned i_yPitch,
         unsigned char* i_data, const std::function<void(void*)>& i_deleter, unsigned i_numChannels);
-    /** A view into another record's pixels, or a compact copy of them. An empty rectangle means everything. */
-    cImgData(const cImgData& i_other, bool i_deepCopy, const cRect<int>& i_rect);
+    /** What a copy of a record does about the pixels. */
+    enum EPixels {
+        SharedPixels, ///< a view into those of the other record
+        CopiedPixels, ///< compact copies
+        NewPixels ///< compact memory of undefined content
+    };
+    /** All of another record, or the part of it within a rectangle that is not empty. */
+    cImgData(const cImgData& i_other, EPixels i_pixels, const cRect<int>& i_rect = cRect<int>());
     ~cImgData();
     cImgData& operator=(const cImgData&) = delete;
 

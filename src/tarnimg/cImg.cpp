@@ -66,7 +66,8 @@ cImg::cImg(const cImg& i_other, bool i_deepCopy, const cRect<int>& i_rect) : m_d
     if (!i_deepCopy && i_rect == cRect<int>())
         m_data->ref();
     else
-        m_data = new cImgData(*i_other.m_data, i_deepCopy, i_rect);
+        m_data = new cImgData(
+            *i_other.m_data, i_deepCopy ? cImgData::CopiedPixels : cImgData::SharedPixels, i_rect);
 }
 
 cImg& cImg::operator=(const cImg& i_other)
@@ -88,9 +89,14 @@ void cImg::releaseUnusedMemory() { cImgBufPool::instance().clear(); }
 
 cImg cImg::clone() const { return cImg(*this, true, cRect<int>()); }
 
+cImg cImg::cloneWithoutPixels() const
+{
+    return isVoid(m_data) ? cImg() : cImg(new cImgData(*m_data, cImgData::NewPixels));
+}
+
 void cImg::detachShared()
 {
-    deref(std::exchange(m_data, new cImgData(*m_data, true, cRect<int>())));
+    deref(std::exchange(m_data, new cImgData(*m_data, cImgData::CopiedPixels)));
 }
 
 void cImg::detachForWriting()
@@ -100,7 +106,7 @@ void cImg::detachForWriting()
         return;
     }
     // The settings of the void image's descriptor are everybody's, too.
-    m_data = new cImgData(*m_data, false, cRect<int>());
+    m_data = new cImgData(*m_data, cImgData::SharedPixels);
     m_data->setType(cImageTypeFactory::make<cImgTypeUInt8>(1));
 }
 

@@ -79,7 +79,7 @@ try : m_width(i_width), m_height(i_height) {
     report(error);
 }
 
-cImgData::cImgData(const cImgData& i_other, bool i_deepCopy, const cRect<int>& i_rect)
+cImgData::cImgData(const cImgData& i_other, EPixels i_pixels, const cRect<int>& i_rect)
 try : m_type(i_other.m_type), m_typeOwner(i_other.m_typeOwner), m_attributes(i_other.m_attributes),
       m_width(i_other.m_width), m_height(i_other.m_height), m_name(i_other.m_name), m_numFrames(i_other.m_numFrames),
       m_frameIndex(i_other.m_frameIndex), m_bufferOffset(i_other.m_bufferOffset), m_notCompact(i_other.m_notCompact) {
@@ -92,18 +92,19 @@ try : m_type(i_other.m_type), m_typeOwner(i_other.m_typeOwner), m_attributes(i_o
             m_bufferOffset += unsigned(area.top) * buf->m_yPitch + unsigned(area.left) * buf->m_xPitch;
         m_width = unsigned(area.width);
         m_height = unsigned(area.height);
-        m_notCompact = m_notCompact || !i_deepCopy;
+        m_notCompact = m_notCompact || i_pixels == SharedPixels;
     }
     if (!buf)
         return;
-    if (i_deepCopy) {
-        m_buf = cImgBufPool::instance().acquire(m_width, m_height, pixelSize());
-        copyCompact(*buf, m_bufferOffset, *m_buf);
-        m_bufferOffset = 0;
-    } else {
+    if (i_pixels == SharedPixels) {
         buf->m_useCount.fetch_add(1, std::memory_order_relaxed);
         m_buf = buf;
+        return;
     }
+    m_buf = cImgBufPool::instance().acquire(m_width, m_height, pixelSize());
+    if (i_pixels == CopiedPixels)
+        copyCompact(*buf, m_bufferOffset, *m_buf);
+    m_bufferOffset = 0;
 } catch (const std::bad_alloc& error) {
     report(error);
 }

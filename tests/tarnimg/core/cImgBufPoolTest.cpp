@@ -61,6 +61,26 @@ TEST_F(cImgBufPool, ABufferWaitsForItsLastUser)
     EXPECT_TRUE(first.getConstData() == pixels || second.getConstData() == pixels);
 }
 
+TEST_F(cImgBufPool, ACopyOfAnImageDoesNotKeepItsBufferOut)
+{
+    const unsigned char* pixels = nullptr;
+    {
+        const cImg image(cImgType::UInt8, 100, 10);
+        pixels = image.getConstData();
+        cImg(cImgType::UInt8, 100, 10).cloneWithoutPixels();
+        image.cloneWithoutPixels();
+        image.clone();
+        cImg(image, false, Rect(1, 1, 2, 2)).clone();
+    }
+    std::vector<cImg> images;
+    bool found = false;
+    for (int i = 0; i < 4; ++i) {
+        images.emplace_back(cImgType::UInt8, 100, 10);
+        found |= images.back().getConstData() == pixels;
+    }
+    EXPECT_TRUE(found);
+}
+
 TEST_F(cImgBufPool, MemoryFromOutsideNeverEntersThePool)
 {
     std::vector<unsigned char> memory(1000);

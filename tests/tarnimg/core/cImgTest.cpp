@@ -433,6 +433,20 @@ TEST(cImg, ACloneHasEverythingThatTheImageHas)
     EXPECT_EQ(transforms, 0);
 }
 
+TEST(cImg, ACloneWithoutPixelsHasAllButThose)
+{
+    cImg::releaseUnusedMemory();
+    cImg image = counted(40, 30);
+    image.setName(QStringLiteral("frame"));
+    const cImg view(image, false, Rect(2, 1, 3, 4));
+    EXPECT_EQ(image.cloneWithoutPixels().getName(), QStringLiteral("frame"));
+    EXPECT_NE(image.cloneWithoutPixels().getConstData(), image.getConstData());
+    EXPECT_EQ(view.cloneWithoutPixels().getSize(), QSize(3, 4));
+    EXPECT_EQ(view.cloneWithoutPixels().getYPitch(), 3u);
+    EXPECT_EQ(cImg().cloneWithoutPixels().getName(), QStringLiteral("Unnamed"));
+    EXPECT_TRUE(samePixels(image, counted(40, 30)));
+}
+
 TEST(cImg, AnImageOwnsItsTransform)
 {
     int transforms = 0;
