@@ -36,12 +36,15 @@ void workInto(
         frame::checkStatus(variant->workInto(i_a, io_b), i_operator);
 }
 
-/** How the smaller or greater pixel of two images is worked into the second. */
+/** How rows of one image are worked into rows of another. */
 struct EveryVariant {
     cImgType::ImageTypes type;
     unsigned channels;
-    IppStatus (*workInto)(const cImg& i_a, cImg& io_b);
+    IppStatus (*workInto)(const unsigned char* i_a, int i_aStep, unsigned char* io_b, int i_bStep, IppiSize i_size);
 };
+
+/** A deep copy of b with rows of a worked into it. */
+cImg workIntoCopy(const EveryVariant& i_variant, const cImg& i_a, const cImg& i_b);
 
 /**
  * A deep copy of b, attributes included, with a worked into it. The status of the pixel function is not looked at: if it
@@ -52,10 +55,9 @@ cImg workIntoCopy(
     const cImgFunctor& i_functor, const Table& i_variants, const cImg& i_a, const cImg& i_b, const char* i_operator)
 {
     frame::checkInputs(i_functor, i_a, i_b, i_operator);
-    cImg result(i_b, true, cRect<int>());
     if (const EveryVariant* variant = frame::find(i_variants, i_a))
-        variant->workInto(i_a, result);
-    return result;
+        return workIntoCopy(*variant, i_a, i_b);
+    return i_b.clone();
 }
 
 } // namespace twoImages
