@@ -1,4 +1,4 @@
-#include "../../src/tarn/cPipeline.h"
+#include <cPipeline.h>
 
 #include <gtest/gtest.h>
 
