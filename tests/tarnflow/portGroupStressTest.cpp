@@ -11,7 +11,7 @@
 
 namespace {
 constexpr int s_frames = 4000;
-constexpr int s_disturbed = s_frames / 2; ///< senders go, resets and so on happen until then
+constexpr int s_disturbed = s_frames / 2; ///< up to here senders go, resets and so on happen
 constexpr unsigned s_poolSize = 48;
 // Who loses the stamps that were announced already is waited for by the others: they need the buffers for that.
 constexpr int s_greatestLead = 24;
@@ -94,7 +94,7 @@ private:
         std::mt19937 random(unsigned(i_sender) + 1);
         cOPort<int>& port = *m_senders[i_sender];
         for (int stamp = 1; stamp <= s_frames; ++stamp) {
-            while (stamp <= s_disturbed && stamp > slowest() + s_greatestLead)
+            while (m_disturbing && stamp > slowest() + s_greatestLead)
                 std::this_thread::yield();
             if (random() % 10 != 0)
                 port.send(stamp, stamp);
@@ -139,7 +139,7 @@ private:
     {
         std::mt19937 random(99);
         int last = 0;
-        while (slowest() < s_disturbed - s_greatestLead) {
+        while (slowest() < s_disturbed) {
             std::this_thread::yield();
             if (slowest() < last + 40)
                 continue;
@@ -160,6 +160,7 @@ private:
                     unsigned(random() % 2));
             }
         }
+        m_disturbing = false;
     }
 
     void joinStep(ProbeStation<int, int, int>& io_station)
@@ -187,6 +188,7 @@ private:
     std::vector<cOPort<int>*> m_senders;
     QList<cIPortBase*> m_inputs;
     std::atomic<int> m_progress[4] = {};
+    std::atomic<bool> m_disturbing {true};
     std::atomic<bool> m_done {false};
     std::atomic<int> m_results {0};
     std::atomic<int> m_wrongStamps {0};
