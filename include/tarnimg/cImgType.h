@@ -23,8 +23,8 @@ class cImg;
 class TARNIMG_EXPORT cImgType : public QObject {
     Q_OBJECT
 public:
-    /** The pixel types. The keys are the type names that appear in messages. */
-    enum ImageTypes {
+    /** The pixel types. The keys are the type names that appear in messages. Any int may come in from a stream. */
+    enum ImageTypes : int {
         Invalid = 0,
         RGB24 = 1,
         RGB32 = 2,
