@@ -4,7 +4,8 @@
 #include <tarnflow/cIPortQueueBase.h>
 #include <tarnflow/cPortHistoryBase.h>
 
-/** The queue of an input for values of type T. All buffers in it hold a T; the rules are those of the base. */
+/** The queue of an input for values of type T. All buffers in it hold a T; the rules are those of the base.
+ */
 template <class T> class cIPortQueue : public cIPortQueueBase {
 public:
     /** Appends buffers that have arrived, taking over one reference of each. */

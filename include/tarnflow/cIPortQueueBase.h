@@ -24,10 +24,11 @@ struct TARNFLOW_EXPORT cPortQueueParams {
 };
 
 /**
- * The queue of one input of a port group, whatever the type of its values: what has arrived and what the sender has
- * announced as finished.
+ * The queue of one input of a port group, whatever the type of its values: what has arrived and what the
+ * sender has announced as finished.
  *
- * Everything but the four atomics is guarded by the group's mutex. The queue owns one reference of each buffer in `data`.
+ * Everything but the four atomics is guarded by the group's mutex. The queue owns one reference of each
+ * buffer in `data`.
  */
 class TARNFLOW_EXPORT cIPortQueueBase : public cPortQueueParams {
 public:
@@ -65,8 +66,9 @@ public:
     /** Removes the stamps that a match uses up; the invalid stamp uses up all markers. */
     void useUpStamps(const cBufferStamp& i_stamp);
     /**
-     * Hands over the buffers at or before a stamp. From a single sender those at the front of the queue, as far as there is
-     * none in between that is later; from several senders all of them, in the order of their stamps.
+     * Hands over the buffers at or before a stamp. From a single sender those at the front of the queue, as
+     * far as there is none in between that is later; from several senders all of them, in the order of their
+     * stamps.
      */
     void takeUpTo(const cBufferStamp& i_stamp, std::vector<cBuffer*>& io_taken);
     /** Gives back the buffers at or before a stamp, wherever they stand, with a line for each. */

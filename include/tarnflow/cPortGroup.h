@@ -5,22 +5,23 @@
 #include <utility>
 
 /**
- * The inputs of a station, of the types T, matched by their stamps. A member of the station, before its functor.
+ * The inputs of a station, of the types T, matched by their stamps. A member of the station, before its
+ * functor.
  *
  *     class cSumStation : public cStation {
- *         cPortGroup<double, double> m_group {this, &cSumStation::process, QStringLiteral("a"), QStringLiteral("b")};
- *         cOPort<double> m_out {this, QStringLiteral("sum"), 50000};
- *         void process() { m_out.send(m_group.getValue<0>() + m_group.getValue<1>(), m_group.getStamp()); }
+ *         cPortGroup<double, double> m_group {this, &cSumStation::process, QStringLiteral("a"),
+ * QStringLiteral("b")}; cOPort<double> m_out {this, QStringLiteral("sum"), 50000}; void process() {
+ * m_out.send(m_group.getValue<0>() + m_group.getValue<1>(), m_group.getStamp()); }
  *     };
  *
- * The step is a member function of the station or a function, and runs on the station's thread under its input mutex. It
- * takes nothing, or the index of the first port's queue. In a group with a single port it can also take the buffer, with or
- * without the index: then it runs once for each buffer of the match.
+ * The step is a member function of the station or a function, and runs on the station's thread under its
+ * input mutex. It takes nothing, or the index of the first port's queue. In a group with a single port it can
+ * also take the buffer, with or without the index: then it runs once for each buffer of the match.
  *
  * All inputs are required until the station says otherwise: `getQueue<1>().required = false`.
  */
-template <class... T> class cPortGroup
-    : public cPortGroupBaseT<std::tuple<cIPortQueue<T>...>, std::tuple<cPortHistory<T>...>> {
+template <class... T>
+class cPortGroup : public cPortGroupBaseT<std::tuple<cIPortQueue<T>...>, std::tuple<cPortHistory<T>...>> {
     static_assert(sizeof...(T) > 0);
     using Base = cPortGroupBaseT<std::tuple<cIPortQueue<T>...>, std::tuple<cPortHistory<T>...>>;
     template <class> using Name = QString;
@@ -33,20 +34,23 @@ public:
         this->m_callback = std::move(i_step);
         build(std::index_sequence_for<T...>(), i_names...);
     }
-    cPortGroup(cStation* i_station, std::function<void(int)> i_step, const Name<T>&... i_names) : Base(i_station)
+    cPortGroup(cStation* i_station, std::function<void(int)> i_step, const Name<T>&... i_names)
+        : Base(i_station)
     {
         this->m_indexedCallback = std::move(i_step);
         build(std::index_sequence_for<T...>(), i_names...);
     }
-    cPortGroup(cStation* i_station, std::function<void(Buffer*)> i_step, const Name<T>&... i_names)
-        requires(sizeof...(T) == 1)
-        : Base(i_station), m_bufferCallback(std::move(i_step))
+    cPortGroup(cStation* i_station, std::function<void(Buffer*)> i_step, const Name<T>&... i_names) requires(
+        sizeof...(T) == 1)
+        : Base(i_station),
+          m_bufferCallback(std::move(i_step))
     {
         build(std::index_sequence_for<T...>(), i_names...);
     }
-    cPortGroup(cStation* i_station, std::function<void(int, Buffer*)> i_step, const Name<T>&... i_names)
-        requires(sizeof...(T) == 1)
-        : Base(i_station), m_indexedBufferCallback(std::move(i_step))
+    cPortGroup(cStation* i_station, std::function<void(int, Buffer*)> i_step,
+        const Name<T>&... i_names) requires(sizeof...(T) == 1)
+        : Base(i_station),
+          m_indexedBufferCallback(std::move(i_step))
     {
         build(std::index_sequence_for<T...>(), i_names...);
     }

@@ -20,16 +20,16 @@ class cOPortBase;
 /**
  * The meeting point of a station's inputs: what all groups have in common, whatever the types of their ports.
  *
- * Buffers wait in the queues of the inputs. A finish notice starts the search for a match: the candidate is the largest of
- * the oldest stamps that the inputs have announced, and once every input has finished up to it, what has arrived up to it
- * goes to the process step in one set; or, if a required input gave nothing, is dropped, and the outputs announce the stamp.
- * One match is under way at a time.
+ * Buffers wait in the queues of the inputs. A finish notice starts the search for a match: the candidate is
+ * the largest of the oldest stamps that the inputs have announced, and once every input has finished up to
+ * it, what has arrived up to it goes to the process step in one set; or, if a required input gave nothing, is
+ * dropped, and the outputs announce the stamp. One match is under way at a time.
  *
  * Ports are named: those functions that take a port find its queue by the port's name.
  *
- * Threads: senders call in on their own threads; the step runs on the station's thread. The group mutex and the station's
- * input mutex are never held together by the group itself. Downstream groups are entered with the group mutex held, in the
- * direction of the flow only.
+ * Threads: senders call in on their own threads; the step runs on the station's thread. The group mutex and
+ * the station's input mutex are never held together by the group itself. Downstream groups are entered with
+ * the group mutex held, in the direction of the flow only.
  */
 class TARNFLOW_EXPORT cPortGroupBase : public QObject {
     Q_OBJECT
@@ -37,7 +37,8 @@ public:
     /** How the match loop treats what is complete. */
     enum EMode {
         Match = 0, ///< matched sets go to the process step
-        Discard = 1 ///< the queues are emptied as fast as stamps arrive, and nobody is told; for a graph that runs dry
+        Discard = 1 ///< the queues are emptied as fast as stamps arrive, and nobody is told; for a graph that
+                    ///< runs dry
     };
 
     explicit cPortGroupBase(cStation* i_station);
@@ -48,14 +49,15 @@ public:
     /**
      * Empties the queues when a sender has gone; stamps of matches stay. A null sender means all of them.
      *
-     * Buffers of this sender go back at once. Those of other senders are taken from the lists too, but do not go back here
-     * and now: the station's thread gives them back as its next job (a reset or the group's end does so earlier), so that no
-     * pool runs dry. What a step under way is reading stays until that step has ended.
+     * Buffers of this sender go back at once. Those of other senders are taken from the lists too, but do not
+     * go back here and now: the station's thread gives them back as its next job (a reset or the group's end
+     * does so earlier), so that no pool runs dry. What a step under way is reading stays until that step has
+     * ended.
      */
     virtual void removeSender(cOPortBase* i_sender);
     /**
-     * Empties everything and forgets all stamps. A match that still waits in the callback queue is void; of a step under way
-     * only the end is left.
+     * Empties everything and forgets all stamps. A match that still waits in the callback queue is void; of a
+     * step under way only the end is left.
      */
     virtual void reset();
     /** Stamp and text of each waiting buffer; empty for an unknown port. */
@@ -66,8 +68,8 @@ public:
     virtual int getDataCount(cIPortBase* i_port) const;
     /** The number of announced stamps; -1 for an unknown port. */
     virtual int getStampCount(cIPortBase* i_port) const;
-    // Stamp values of the first and last waiting buffer and announced stamp, read without a lock; the invalid value if there
-    // is none, or for an unknown port.
+    // Stamp values of the first and last waiting buffer and announced stamp, read without a lock; the invalid
+    // value if there is none, or for an unknown port.
     virtual qint64 getOldestData(cIPortBase* i_port) const;
     virtual qint64 getNewestData(cIPortBase* i_port) const;
     virtual qint64 getOldestStamp(cIPortBase* i_port) const;
@@ -76,12 +78,14 @@ public:
     virtual QList<cIPortBase*> getPorts() const;
 
     /**
-     * What became of the frames that arrived at a port; a consistent snapshot at any time. All zero for an unknown port.
-     * What the port did not let through (refused, taken by a direct callback) is not known here.
+     * What became of the frames that arrived at a port; a consistent snapshot at any time. All zero for an
+     * unknown port. What the port did not let through (refused, taken by a direct callback) is not known
+     * here.
      */
     cFates getFates(const cIPortBase* i_port) const;
 
-    /** Tells that the flow has begun to match, so that whatever is dropped from now on is a loss. @return whether that is new */
+    /** Tells that the flow has begun to match, so that whatever is dropped from now on is a loss. @return
+     * whether that is new */
     bool enableDropping();
     /** Adds the processor time of one step, nanoseconds. */
     void addExecutionTime(qint64 i_nanoseconds);
@@ -91,7 +95,8 @@ public:
     void emitException(const cError& i_error) noexcept;
     /** The stamp of the match that is under way; for the process step. */
     cBufferStamp getStamp() const { return m_currentStamp; }
-    /** Replaces the list of outputs that get finish notices; at first it is all outputs of the station. Before the start. */
+    /** Replaces the list of outputs that get finish notices; at first it is all outputs of the station.
+     * Before the start. */
     void registerOutPorts(const QList<cOPortBase*>& i_ports);
     QList<cOPortBase*> getOutPorts() const;
 
@@ -105,7 +110,8 @@ Q_SIGNALS:
 
 protected:
     /** Takes an input into use; first port first. */
-    void addInput(cIPortBase& io_port, cIPortQueueBase& io_queue, cPortHistoryBase& io_history, const QString& i_name);
+    void addInput(
+        cIPortBase& io_port, cIPortQueueBase& io_queue, cPortHistoryBase& io_history, const QString& i_name);
     /** Gives back every buffer. For the destructor of the class that owns the queues. */
     void releaseEverything();
 
@@ -141,7 +147,8 @@ private:
     /** Nothing waits here and nothing is to be expected: so it is behind the outputs too. */
     bool isExhausted() const;
 
-    // Emptying, with the group mutex held: the buffers of a sender (null: of all) go back, the others are set aside.
+    // Emptying, with the group mutex held: the buffers of a sender (null: of all) go back, the others are set
+    // aside.
     void emptyQueues(const cOPortBase* i_sender);
     void emptyHistories(const cOPortBase* i_sender);
     void giveBackOrSetAside(cBuffer* i_buffer, const cOPortBase* i_sender);

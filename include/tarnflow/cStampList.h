@@ -8,8 +8,8 @@
 /**
  * The stamps that the sender of one input has announced as finished and that no match has used up.
  *
- * Ascending as long as none comes late. An invalid stamp is a marker: the flow begins anew there. The memory stays between
- * uses, so that a steady stream of stamps allocates nothing.
+ * Ascending as long as none comes late. An invalid stamp is a marker: the flow begins anew there. The memory
+ * stays between uses, so that a steady stream of stamps allocates nothing.
  */
 class TARNFLOW_EXPORT cStampList {
 public:
@@ -23,9 +23,9 @@ public:
     bool hasMarker() const { return m_markers > 0; }
 
     /**
-     * Enters a stamp: at the end if it is not late. A late one goes in front of the last entry that is at or before it, or
-     * to the front if there is none: the entry at the front itself is not looked at. So a late 20 turns 5, 10, 30 into
-     * 5, 20, 10, 30, and 10, 30 into 20, 10, 30.
+     * Enters a stamp: at the end if it is not late. A late one goes in front of the last entry that is at or
+     * before it, or to the front if there is none: the entry at the front itself is not looked at. So a late
+     * 20 turns 5, 10, 30 into 5, 20, 10, 30, and 10, 30 into 20, 10, 30.
      */
     void insert(const cBufferStamp& i_stamp);
     /** Removes entries from the front for as long as they are at or before a stamp. */

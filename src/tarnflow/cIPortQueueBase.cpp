@@ -32,7 +32,8 @@ void cIPortQueueBase::noteFinished(const cBufferStamp& i_stamp, bool i_idle)
 
 bool cIPortQueueBase::isFinishedUpTo(const cBufferStamp& i_stamp) const
 {
-    return senderIdle || (!required && !port->receivesData()) || (!stamps.isEmpty() && stamps.getLast() >= i_stamp);
+    return senderIdle || (!required && !port->receivesData())
+        || (!stamps.isEmpty() && stamps.getLast() >= i_stamp);
 }
 
 bool cIPortQueueBase::suffices(const cBufferStamp& i_stamp) const

@@ -6,15 +6,14 @@
 #include <tarnflow/cIPortBase.h>
 #include <tarnflow/cOPortBase.h>
 
-cPortGroupBase::cPortGroupBase(cStation* i_station) : m_inputMutex(&i_station->getInputMutex()), m_station(i_station)
+cPortGroupBase::cPortGroupBase(cStation* i_station)
+    : m_inputMutex(&i_station->getInputMutex()),
+      m_station(i_station)
 {
     m_station->addPortGroup(this); // which listens to exceptionRaised
 }
 
-cPortGroupBase::~cPortGroupBase()
-{
-    m_station->removePortGroup(this);
-}
+cPortGroupBase::~cPortGroupBase() { m_station->removePortGroup(this); }
 
 void cPortGroupBase::addInput(
     cIPortBase& io_port, cIPortQueueBase& io_queue, cPortHistoryBase& io_history, const QString& i_name)
@@ -121,10 +120,7 @@ cFates cPortGroupBase::getFates(const cIPortBase* i_port) const
 
 // --- the station's side ---
 
-bool cPortGroupBase::enableDropping()
-{
-    return !m_dropping.exchange(true);
-}
+bool cPortGroupBase::enableDropping() { return !m_dropping.exchange(true); }
 
 void cPortGroupBase::addExecutionTime(qint64 i_nanoseconds)
 {
@@ -132,15 +128,9 @@ void cPortGroupBase::addExecutionTime(qint64 i_nanoseconds)
     ++m_executions;
 }
 
-qint64 cPortGroupBase::getExecutionTime() const
-{
-    return m_executionTime;
-}
+qint64 cPortGroupBase::getExecutionTime() const { return m_executionTime; }
 
-quint64 cPortGroupBase::getExecutionCount() const
-{
-    return m_executions;
-}
+quint64 cPortGroupBase::getExecutionCount() const { return m_executions; }
 
 void cPortGroupBase::emitException(const cError& i_error) noexcept
 try {

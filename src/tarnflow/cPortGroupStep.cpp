@@ -31,7 +31,8 @@ bool cPortGroupBase::runMatch(quint64 i_generation)
         return false;
     cFates seen;
     bool succeeded = false;
-    // The input mutex of a dead station stays locked, by this very thread: no further step starts, and nothing waits for it.
+    // The input mutex of a dead station stays locked, by this very thread: no further step starts, and
+    // nothing waits for it.
     const bool dead = m_station->isDead();
     if (dead)
         readDelays();
@@ -82,7 +83,8 @@ bool cPortGroupBase::runLockedStep(cFates& io_seen)
         m_inputMutex->unlock();
         report(cError::SystemFault, exception.what());
     } catch (...) {
-        // Nobody knows what state the station is in: the mutex stays locked, so that nothing touches it again.
+        // Nobody knows what state the station is in: the mutex stays locked, so that nothing touches it
+        // again.
         report(cError::UnknownFault, QString());
         m_station->markDead();
     }

@@ -4,25 +4,13 @@ namespace {
 thread_local cStepScope* s_current = nullptr;
 } // namespace
 
-cStepScope::Suspension::Suspension() : m_suspended(s_current)
-{
-    s_current = nullptr;
-}
+cStepScope::Suspension::Suspension() : m_suspended(s_current) { s_current = nullptr; }
 
-cStepScope::Suspension::~Suspension()
-{
-    s_current = m_suspended;
-}
+cStepScope::Suspension::~Suspension() { s_current = m_suspended; }
 
-cStepScope::cStepScope() : m_outer(s_current)
-{
-    s_current = this;
-}
+cStepScope::cStepScope() : m_outer(s_current) { s_current = this; }
 
-cStepScope::~cStepScope()
-{
-    s_current = m_outer;
-}
+cStepScope::~cStepScope() { s_current = m_outer; }
 
 cStepScope::EOutcome cStepScope::getOutcome() const
 {

@@ -4,17 +4,16 @@
 #include <typeinfo>
 
 namespace {
-QString named(const char* i_name)
-{
-    return QString::fromLatin1(i_name);
-}
+QString named(const char* i_name) { return QString::fromLatin1(i_name); }
 } // namespace
 
 /** An input of whatever type the output has to which it is linked; it keeps a copy of all that comes. */
 class StationHarness::Receiver : public cIPortBase {
 public:
     Receiver(cDfpNode* i_node, const cOPortBase* i_output, StationHarness& io_harness)
-        : cIPortBase(i_node, i_output->getName()), m_type(i_output->getTypeID()), m_harness(io_harness)
+        : cIPortBase(i_node, i_output->getName()),
+          m_type(i_output->getTypeID()),
+          m_harness(io_harness)
     {
         m_finishCallback = [this](const cBufferStamp& i_stamp, bool i_idle) {
             m_harness.note({getName(), i_stamp.getStamp(), i_idle});
@@ -42,7 +41,8 @@ private:
 };
 
 StationHarness::StationHarness(cStation* i_station, const QStringList& i_unconnected)
-    : m_station(i_station), m_feeder(new cStation(QStringLiteral("feeder"))),
+    : m_station(i_station),
+      m_feeder(new cStation(QStringLiteral("feeder"))),
       m_collector(new cStation(QStringLiteral("collector")))
 {
     m_station->setManual(true);
@@ -59,7 +59,8 @@ StationHarness::StationHarness(cStation* i_station, const QStringList& i_unconne
             linkOrThrow(output, new Receiver(m_collector, output, *this));
     for (cPortGroupBase* group : m_station->getPortGroups()) {
         group->getPorts().first()->setCollectHistory(true);
-        QObject::connect(group, &cPortGroupBase::exceptionRaised, group,
+        QObject::connect(
+            group, &cPortGroupBase::exceptionRaised, group,
             [this](const cError& i_error) { m_errors.append(i_error); }, Qt::DirectConnection);
     }
     m_station->start(EStartReason::Start);
@@ -102,10 +103,7 @@ cOPortBase* StationHarness::addSender(const char* i_input)
     return added;
 }
 
-void StationHarness::connectInput(const char* i_input)
-{
-    linkOrThrow(sender(i_input), inport(i_input));
-}
+void StationHarness::connectInput(const char* i_input) { linkOrThrow(sender(i_input), inport(i_input)); }
 
 void StationHarness::disconnectInput(const char* i_input)
 {
@@ -126,10 +124,7 @@ void StationHarness::finish(const char* i_input, cBufferStamp i_stamp, bool i_id
     sender(i_input)->sendFinish(i_stamp, i_idle);
 }
 
-bool StationHarness::runStep()
-{
-    return m_station->runNextJob();
-}
+bool StationHarness::runStep() { return m_station->runNextJob(); }
 
 int StationHarness::runAll()
 {
@@ -180,10 +175,7 @@ QList<qint64> StationHarness::finished(const char* i_output) const
     return stamps;
 }
 
-cFates StationHarness::fates(const char* i_input) const
-{
-    return inport(i_input)->getFates();
-}
+cFates StationHarness::fates(const char* i_input) const { return inport(i_input)->getFates(); }
 
 void StationHarness::clearRecords()
 {

@@ -25,8 +25,9 @@
  *     harness.runAll();
  *     EXPECT_EQ(harness.values<cImg>("img").at(0), sum);
  *
- * Every input has a sender of its own and every output a receiver, all linked in a graph. What the station sends,
- * announces, traces and reports is kept in order. Nothing sleeps: `runStep` runs one job of the station's callback queue.
+ * Every input has a sender of its own and every output a receiver, all linked in a graph. What the station
+ * sends, announces, traces and reports is kept in order. Nothing sleeps: `runStep` runs one job of the
+ * station's callback queue.
  */
 class StationHarness {
 public:

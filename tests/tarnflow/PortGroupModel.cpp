@@ -18,7 +18,9 @@ Stamp difference(Stamp a, Stamp b)
 }
 } // namespace
 
-PortGroupModel::PortGroupModel(int i_ports, bool i_perBuffer) : queues(std::size_t(i_ports)), m_perBuffer(i_perBuffer)
+PortGroupModel::PortGroupModel(int i_ports, bool i_perBuffer)
+    : queues(std::size_t(i_ports)),
+      m_perBuffer(i_perBuffer)
 {
 }
 
@@ -160,7 +162,8 @@ void PortGroupModel::dispatch()
             for (;;) {
                 Frame* smallest = nullptr;
                 for (Frame* frame : queue.data)
-                    if (frame->stamp.value <= current.value && (!smallest || frame->stamp.value < smallest->stamp.value))
+                    if (frame->stamp.value <= current.value
+                        && (!smallest || frame->stamp.value < smallest->stamp.value))
                         smallest = frame;
                 if (!smallest)
                     break;
@@ -176,7 +179,8 @@ void PortGroupModel::dispatch()
 
 void PortGroupModel::queueJob(qint64 i_order, bool i_isMatch)
 {
-    const auto place = std::find_if(m_jobs.begin(), m_jobs.end(), [&](const Job& i_job) { return i_job.order > i_order; });
+    const auto place
+        = std::find_if(m_jobs.begin(), m_jobs.end(), [&](const Job& i_job) { return i_job.order > i_order; });
     m_jobs.insert(place, {i_order, m_generation, i_isMatch});
 }
 
@@ -186,7 +190,8 @@ bool PortGroupModel::isExhausted() const
     bool exhausted = true;
     for (const Queue& queue : queues) {
         anyIdle = anyIdle || queue.idle;
-        exhausted = exhausted && queue.data.empty() && queue.stamps.empty() && (queue.idle || queue.senders == 0);
+        exhausted
+            = exhausted && queue.data.empty() && queue.stamps.empty() && (queue.idle || queue.senders == 0);
     }
     return anyIdle && exhausted;
 }
@@ -231,8 +236,9 @@ void PortGroupModel::runMatch(const std::vector<Step>& i_steps)
         return i_queue.history.empty() ? std::vector<Frame*>() : i_queue.history.front();
     };
     const auto show = [](const Frame* i_frame) {
-        return i_frame ? QStringLiteral(" %1@%2/%3").arg(i_frame->id).arg(i_frame->stamp.value).arg(i_frame->stamp.time)
-                       : QStringLiteral(" -");
+        return i_frame
+            ? QStringLiteral(" %1@%2/%3").arg(i_frame->id).arg(i_frame->stamp.value).arg(i_frame->stamp.time)
+            : QStringLiteral(" -");
     };
 
     if (!dead) {

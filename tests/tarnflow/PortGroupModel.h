@@ -9,8 +9,9 @@
 #include <vector>
 
 /**
- * The rule by which a port group matches its inputs, plain and slow: lists are searched from end to end, and every frame is
- * a record that is never deleted. It shares no code with the library; the tests compare both after every event.
+ * The rule by which a port group matches its inputs, plain and slow: lists are searched from end to end, and
+ * every frame is a record that is never deleted. It shares no code with the library; the tests compare both
+ * after every event.
  */
 class PortGroupModel {
 public:
@@ -56,8 +57,8 @@ public:
     void removeSender(int i_sender); ///< -1: all
     void reset();
     /**
-     * Runs the first job of the callback queue; false if there is none. The n-th call of the process step acts as the n-th
-     * element of i_steps says.
+     * Runs the first job of the callback queue; false if there is none. The n-th call of the process step
+     * acts as the n-th element of i_steps says.
      */
     bool runJob(const std::vector<Step>& i_steps);
 

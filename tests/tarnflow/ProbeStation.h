@@ -5,11 +5,13 @@
 #include <tarnflow/cPortGroup.h>
 #include <tarnflow/cStation.h>
 
-/** A station with the inputs "a", "b", ... of the types T and the output "out", whose step the test supplies. */
+/** A station with the inputs "a", "b", ... of the types T and the output "out", whose step the test supplies.
+ */
 template <class... T> class ProbeStation : public cStation {
 public:
     explicit ProbeStation(std::function<void(ProbeStation&)> i_step = {})
-        : cStation(QStringLiteral("probe")), step(std::move(i_step)),
+        : cStation(QStringLiteral("probe")),
+          step(std::move(i_step)),
           group(makeGroup(std::make_integer_sequence<int, int(sizeof...(T))>())),
           out(this, QStringLiteral("out"), 50000)
     {
@@ -38,8 +40,10 @@ private:
 template <class T> class BufferProbeStation : public cStation {
 public:
     explicit BufferProbeStation(std::function<void(BufferProbeStation&, cBufferT<T>*)> i_step = {})
-        : cStation(QStringLiteral("probe")), step(std::move(i_step)),
-          group(this, &BufferProbeStation::process, QStringLiteral("a")), out(this, QStringLiteral("out"), 50000)
+        : cStation(QStringLiteral("probe")),
+          step(std::move(i_step)),
+          group(this, &BufferProbeStation::process, QStringLiteral("a")),
+          out(this, QStringLiteral("out"), 50000)
     {
     }
 

@@ -1,4 +1,5 @@
-// Random schedules of everything that can happen to a port group, compared with a plain model after every event.
+// Random schedules of everything that can happen to a port group, compared with a plain model after every
+// event.
 #include "PortGroupModel.h"
 
 #include <algorithm>
@@ -43,7 +44,10 @@ protected:
         if (!i_buffer)
             return QStringLiteral(" -");
         const cBufferStamp stamp = i_buffer->getStamp();
-        return QStringLiteral(" %1@%2/%3").arg(i_buffer->getValue()).arg(stamp.getStamp()).arg(stamp.getTime());
+        return QStringLiteral(" %1@%2/%3")
+            .arg(i_buffer->getValue())
+            .arg(stamp.getStamp())
+            .arg(stamp.getTime());
     }
 
     void act(const QString& i_seen)
@@ -119,16 +123,23 @@ ScheduledStation* makeStation(int i_ports, bool i_perBuffer)
 class Schedule {
 public:
     explicit Schedule(unsigned i_seed)
-        : m_random(i_seed), m_ports(1 + pick(4)), m_perBuffer(m_ports == 1 && chance(60)),
-          m_model(m_ports, m_perBuffer), m_station(makeStation(m_ports, m_perBuffer)), m_harness(m_station)
+        : m_random(i_seed),
+          m_ports(1 + pick(4)),
+          m_perBuffer(m_ports == 1 && chance(60)),
+          m_model(m_ports, m_perBuffer),
+          m_station(makeStation(m_ports, m_perBuffer)),
+          m_harness(m_station)
     {
         m_station->log = &m_log;
         m_harness.onFinish = [this](const StationHarness::Finish& i_notice) {
-            m_log << QStringLiteral("finish %1%2").arg(i_notice.stamp).arg(QLatin1String(i_notice.idle ? " idle" : ""));
+            m_log << QStringLiteral("finish %1%2")
+                         .arg(i_notice.stamp)
+                         .arg(QLatin1String(i_notice.idle ? " idle" : ""));
         };
         QObject::connect(
             &m_station->getGroup(), &cPortGroupBase::exceptionRaised, &m_station->getGroup(),
-            [this](const cError& i_error) { m_log << QStringLiteral("error %1").arg(int(i_error.getLevel())); },
+            [this](
+                const cError& i_error) { m_log << QStringLiteral("error %1").arg(int(i_error.getLevel())); },
             Qt::DirectConnection);
         m_listener = cTracerManager::instance().addListener(
             [this](const cTracerManager::Info& i_info) { noteDrop(i_info.text); });
@@ -165,7 +176,8 @@ public:
     {
         return QStringLiteral("%1 ports%2\n%3\n%4")
             .arg(m_ports)
-            .arg(QLatin1String(m_perBuffer ? ", per buffer" : ""), m_script.join(QLatin1Char('\n')), m_failure);
+            .arg(QLatin1String(m_perBuffer ? ", per buffer" : ""), m_script.join(QLatin1Char('\n')),
+                m_failure);
     }
 
 private:
@@ -278,7 +290,8 @@ private:
         delivery.port = pickPort();
         delivery.finishes = i_finishes;
         if (i_finishes) {
-            delivery.stamp = chance(70) ? Stamp {m_clocks[std::size_t(delivery.port)], pick(1000)} : pickStamp(delivery.port);
+            delivery.stamp = chance(70) ? Stamp {m_clocks[std::size_t(delivery.port)], pick(1000)}
+                                        : pickStamp(delivery.port);
             delivery.idle = chance(8);
             if (chance(2))
                 delivery.stamp = Stamp();
@@ -303,9 +316,14 @@ private:
     {
         QString line = i_indent + QLatin1String(nameOf(i_delivery.port));
         if (i_delivery.finishes)
-            line += QStringLiteral(" finish %1%2").arg(i_delivery.stamp.value).arg(QLatin1String(i_delivery.idle ? " idle" : ""));
+            line += QStringLiteral(" finish %1%2")
+                        .arg(i_delivery.stamp.value)
+                        .arg(QLatin1String(i_delivery.idle ? " idle" : ""));
         for (const Frame& frame : i_delivery.frames)
-            line += QStringLiteral(" frame %1@%2 from %3").arg(frame.id).arg(frame.stamp.value).arg(frame.sender);
+            line += QStringLiteral(" frame %1@%2 from %3")
+                        .arg(frame.id)
+                        .arg(frame.stamp.value)
+                        .arg(frame.sender);
         m_script << line;
     }
 
@@ -329,8 +347,9 @@ private:
         cIPortBase* port = m_harness.inport(nameOf(i_delivery.port));
         if (i_delivery.finishes) {
             const cBufferStamp stamp(i_delivery.stamp.value, i_delivery.stamp.time);
-            const std::size_t first = std::size_t(
-                std::find(m_portOfSender.begin(), m_portOfSender.end(), i_delivery.port) - m_portOfSender.begin());
+            const std::size_t first
+                = std::size_t(std::find(m_portOfSender.begin(), m_portOfSender.end(), i_delivery.port)
+                    - m_portOfSender.begin());
             if (m_linked[first])
                 m_senders[first]->sendFinish(stamp, i_delivery.idle);
             else
@@ -489,18 +508,21 @@ private:
         const QStringList expected = std::exchange(m_model.log, {});
         const QStringList found = std::exchange(m_log, {});
         bool ok = same(QStringLiteral("what happened"), expected, found)
-            && same(QStringLiteral("current stamp"), m_model.current.value, m_station->getGroup().getStamp().getStamp())
+            && same(QStringLiteral("current stamp"), m_model.current.value,
+                m_station->getGroup().getStamp().getStamp())
             && same(QStringLiteral("jobs"), m_model.jobCount(), m_station->getQueuedJobCount())
             && same(QStringLiteral("dead"), m_model.dead, m_station->isDead());
         for (int port = 0; ok && port < m_ports; ++port)
             ok = compareQueue(port) && compareFates(port);
         for (std::size_t sender = 0; ok && sender < m_senders.size(); ++sender)
-            ok = same(QStringLiteral("buffers of sender %1 with holders").arg(sender), m_model.heldOf(int(sender)),
-                m_senders[sender]->getHeldCount());
+            ok = same(QStringLiteral("buffers of sender %1 with holders").arg(sender),
+                m_model.heldOf(int(sender)), m_senders[sender]->getHeldCount());
         for (const auto& [id, buffer] : m_held)
             ok = ok && same(QStringLiteral("held value"), id, buffer->getValue())
-                && same(QStringLiteral("held stamp"), m_heldStamps[id].getStamp(), buffer->getStamp().getStamp())
-                && same(QStringLiteral("held time"), m_heldStamps[id].getTime(), buffer->getStamp().getTime());
+                && same(
+                    QStringLiteral("held stamp"), m_heldStamps[id].getStamp(), buffer->getStamp().getStamp())
+                && same(
+                    QStringLiteral("held time"), m_heldStamps[id].getTime(), buffer->getStamp().getTime());
         return ok;
     }
 
@@ -535,23 +557,35 @@ private:
             && same(QStringLiteral("data count") + at, int(model.data.size()), group.getDataCount(port))
             && same(QStringLiteral("stamps") + at, expectedStamps, foundStamps)
             && same(QStringLiteral("stamp count") + at, int(model.stamps.size()), group.getStampCount(port))
-            && same(QStringLiteral("oldest data") + at, firstOf(model.data, ofFrame), group.getOldestData(port))
-            && same(QStringLiteral("newest data") + at, lastOf(model.data, ofFrame), group.getNewestData(port))
-            && same(QStringLiteral("oldest stamp") + at, firstOf(model.stamps, ofStamp), group.getOldestStamp(port))
-            && same(QStringLiteral("newest stamp") + at, lastOf(model.stamps, ofStamp), group.getNewestStamp(port))
+            && same(
+                QStringLiteral("oldest data") + at, firstOf(model.data, ofFrame), group.getOldestData(port))
+            && same(
+                QStringLiteral("newest data") + at, lastOf(model.data, ofFrame), group.getNewestData(port))
+            && same(QStringLiteral("oldest stamp") + at, firstOf(model.stamps, ofStamp),
+                group.getOldestStamp(port))
+            && same(QStringLiteral("newest stamp") + at, lastOf(model.stamps, ofStamp),
+                group.getNewestStamp(port))
             && same(QStringLiteral("idle") + at, model.idle, m_station->getQueue(i_port).senderIdle);
     }
 
     bool compareFates(int i_port)
     {
         const cFates fates = m_harness.fates(nameOf(i_port));
-        const std::pair<Fate, quint64> counts[] = {{Fate::Waiting, fates.waiting}, {Fate::Used, fates.used},
-            {Fate::Unseen, fates.unseen}, {Fate::Incomplete, fates.incomplete}, {Fate::Gated, fates.gated},
-            {Fate::Lost, fates.lost}, {Fate::Failed, fates.failed}, {Fate::Ignored, fates.ignored},
-            {Fate::Discarded, fates.discarded}};
+        const std::pair<Fate, quint64> counts[] = {
+            {Fate::Waiting,    fates.waiting   },
+            {Fate::Used,       fates.used      },
+            {Fate::Unseen,     fates.unseen    },
+            {Fate::Incomplete, fates.incomplete},
+            {Fate::Gated,      fates.gated     },
+            {Fate::Lost,       fates.lost      },
+            {Fate::Failed,     fates.failed    },
+            {Fate::Ignored,    fates.ignored   },
+            {Fate::Discarded,  fates.discarded }
+        };
         const QString at = QStringLiteral(" of %1").arg(QLatin1String(nameOf(i_port)));
         for (const auto& [fate, count] : counts)
-            if (!same(QStringLiteral("fate %1").arg(int(fate)) + at, quint64(m_model.count(i_port, fate)), count))
+            if (!same(QStringLiteral("fate %1").arg(int(fate)) + at, quint64(m_model.count(i_port, fate)),
+                    count))
                 return false;
         return same(QStringLiteral("arrived") + at, quint64(modelOf(i_port).arrived), fates.arrived)
             && same(QStringLiteral("sum of the fates") + at, fates.arrived, fates.getSum());

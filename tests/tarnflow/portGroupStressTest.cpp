@@ -13,7 +13,8 @@ namespace {
 constexpr int s_frames = 4000;
 constexpr int s_disturbed = s_frames / 2; ///< up to here senders go, resets and so on happen
 constexpr unsigned s_poolSize = 48;
-// Who loses the stamps that were announced already is waited for by the others: they need the buffers for that.
+// Who loses the stamps that were announced already is waited for by the others: they need the buffers for
+// that.
 constexpr int s_greatestLead = 24;
 
 class Stress {
@@ -156,8 +157,10 @@ private:
                 break;
             default:
                 const QMutexLocker lock(&m_join->getInputMutex());
-                m_join->group.template getPort<1>().getParams().getSubObject(QStringLiteral("delay"))->setValue(
-                    unsigned(random() % 2));
+                m_join->group.template getPort<1>()
+                    .getParams()
+                    .getSubObject(QStringLiteral("delay"))
+                    ->setValue(unsigned(random() % 2));
             }
         }
         m_disturbing = false;

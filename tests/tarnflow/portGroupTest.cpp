@@ -307,12 +307,17 @@ TEST(portGroupTest, ADelayedInputShowsTheBufferOfTheMatchBeforeAtAFixedDistance)
     Stamps seen;
     Stamps times;
     auto* station = new TwoInputs([&](TwoInputs& io_station) {
-        seen << qint64(io_station.group.getValue<0>()) << io_station.group.getBuffer<0>()->getStamp().getStamp();
+        seen << qint64(io_station.group.getValue<0>())
+             << io_station.group.getBuffer<0>()->getStamp().getStamp();
         times << io_station.group.getBuffer<0>()->getStamp().getTime();
     });
     ASSERT_TRUE(station->group.getPort<0>().getParams().getSubObject(QStringLiteral("delay"))->setValue(1u));
     StationHarness harness(station);
-    for (const auto& [stamp, time] : {std::pair(10, 1000), {20, 1100}, {35, 1150}, {40, 1400}}) {
+    for (const auto& [stamp, time] : {
+             std::pair(10, 1000), {20, 1100},
+               {35, 1150},
+               {40, 1400}
+    }) {
         harness.send("a", double(stamp), {stamp, time});
         harness.finish("a", {stamp, time});
         harness.feed("b", 0.0, {stamp, time});
@@ -358,7 +363,8 @@ TEST(portGroupTest, ABufferThatSomebodyElseHoldsKeepsItsStamp)
 TEST(portGroupTest, AResetMarkerMakesTheNextMatchMoveNoStamps)
 {
     Stamps seen;
-    auto* station = new OneInput([&](OneInput&, cBufferT<double>* i_buffer) { seen << i_buffer->getStamp().getStamp(); });
+    auto* station = new OneInput(
+        [&](OneInput&, cBufferT<double>* i_buffer) { seen << i_buffer->getStamp().getStamp(); });
     station->group.getQueue<0>().delay = 1;
     StationHarness harness(station);
     harness.feed("a", 1.0, 100);
@@ -405,11 +411,13 @@ TEST(portGroupTest, StepsAreFoundByTheirArguments)
     public:
         cManySteps() : cStation(QStringLiteral("many")) {}
         QStringList calls;
-        cPortGroup<double, int> indexed {this, [this](int i_index) { calls << QStringLiteral("index %1").arg(i_index); },
-            QStringLiteral("i1"), QStringLiteral("i2")};
+        cPortGroup<double, int> indexed {this,
+            [this](int i_index) { calls << QStringLiteral("index %1").arg(i_index); }, QStringLiteral("i1"),
+            QStringLiteral("i2")};
         cPortGroup<double> plain {this, [this] { calls << QStringLiteral("plain"); }, QStringLiteral("p")};
         cPortGroup<int> buffer {this,
-            [this](cBufferT<int>* i_buffer) { calls << QStringLiteral("buffer %1").arg(i_buffer->getValue()); },
+            [this](
+                cBufferT<int>* i_buffer) { calls << QStringLiteral("buffer %1").arg(i_buffer->getValue()); },
             QStringLiteral("b")};
         cPortGroup<int> indexedBuffer {this,
             [this](int i_index, cBufferT<int>* i_buffer) {
@@ -532,7 +540,8 @@ TEST(portGroupTest, AnExceptionIsReportedAndTheNextMatchRuns)
     EXPECT_EQ(int(error.getState()), 6);
     EXPECT_EQ(error.getMessage(), QStringLiteral("cSquareRootFunctor::operator (): negative"));
     EXPECT_EQ(error.getPath(), QStringLiteral("probe"));
-    EXPECT_EQ(harness.takeTrace(), QStringList {QStringLiteral("probe: cSquareRootFunctor::operator (): negative")});
+    EXPECT_EQ(harness.takeTrace(),
+        QStringList {QStringLiteral("probe: cSquareRootFunctor::operator (): negative")});
     EXPECT_EQ(harness.values<double>("out"), QVector<double> {2.0});
     EXPECT_EQ(harness.finished("out"), (Stamps {10, 20}));
     EXPECT_EQ(harness.sender("a")->getHeldCount(), 0);
@@ -639,7 +648,8 @@ TEST(portGroupTest, TheRemovalOfASenderKeepsTheStampsOfTheMatches)
 TEST(portGroupTest, AMatchThatLostItsBuffersBeforeItsStepSeesNone)
 {
     bool seen = true;
-    auto* station = new TwoInputs([&](TwoInputs& io_station) { seen = io_station.group.getBuffer<0>() != nullptr; });
+    auto* station
+        = new TwoInputs([&](TwoInputs& io_station) { seen = io_station.group.getBuffer<0>() != nullptr; });
     StationHarness harness(station);
     harness.feed("a", 1.0, 10);
     harness.feed("b", 1.0, 10);
@@ -804,7 +814,8 @@ TEST(portGroupTest, TheDelayIsAParameterOfThePort)
     EXPECT_EQ(station->group.getQueueParams(harness.inport("b")).delay, 4u);
     EXPECT_EQ(station->group.getQueueParams(harness.inport("a")).delay, 0u);
     unsigned int value = 99;
-    ASSERT_TRUE(harness.inport("b")->getDefaultParams().getSubObject(QStringLiteral("delay"))->getValue(value));
+    ASSERT_TRUE(
+        harness.inport("b")->getDefaultParams().getSubObject(QStringLiteral("delay"))->getValue(value));
     EXPECT_EQ(value, 0u) << "the default stays";
 }
 
