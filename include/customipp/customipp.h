@@ -1,10 +1,11 @@
 /**
  * The pixel layer: functions on pixels in memory, for C and C++.
  *
- * An image is a pointer to its first pixel and a step, the distance in bytes between the starts of two rows; neither
- * needs any alignment. A function reads and writes the pixels of its region and no other byte. It returns a status:
- * negative for an error, with nothing written, positive for a warning, with everything written. Null pointers are
- * tested first, then sizes, steps, and the other arguments in their order; the first failing test decides.
+ * An image is a pointer to its first pixel and a step, the distance in bytes between the starts of two rows;
+ * neither needs any alignment. A function reads and writes the pixels of its region and no other byte. It
+ * returns a status: negative for an error, with nothing written, positive for a warning, with everything
+ * written. Null pointers are tested first, then sizes, steps, and the other arguments in their order; the
+ * first failing test decides.
  *
  * All functions are reentrant, start no thread, and give the same bytes on every processor.
  */
@@ -21,7 +22,8 @@ CUSTOMIPP_EXPORT const char* ippGetStatusString(IppStatus stsCode);
 
 /**
  * Memory on a 64-byte boundary, rounded up to a multiple of 64 bytes, of undefined content.
- * Null when length is negative or no memory is left; never null for length 0. Free it with ippFree or ippsFree.
+ * Null when length is negative or no memory is left; never null for length 0. Free it with ippFree or
+ * ippsFree.
  */
 CUSTOMIPP_EXPORT void* ippMalloc(int length);
 /** The same memory as bytes. */
@@ -52,6 +54,7 @@ CUSTOMIPP_EXPORT void ippsFree(void* ptr);
 #include <customipp/mulC.def>
 #include <customipp/rgbToGray.def>
 #include <customipp/set.def>
+#include <customipp/signal.def>
 #include <customipp/sub.def>
 #include <customipp/subC.def>
 #include <customipp/swapChannels.def>

@@ -1,98 +1,106 @@
 /*
- * One macro for each shape of signature, defined here as the prototype of a function. The rows of the .def files name
- * symbol, operation, pixel type and channels in full. src/customipp/entryPoints.h defines the same macros as the
- * functions, the tests as their cases.
+ * One macro for each shape of signature, defined here as the prototype of a function. The rows of the .def
+ * files name symbol, operation, pixel type and channels in full. src/customipp/entryPoints.h defines the same
+ * macros as the functions, the tests as their cases.
  *
  * Images are a pointer to the first pixel and the distance of the rows in bytes. An I shape works in place.
  */
 #pragma once
 
-/* Two images to one, the exact result times 2^-scaleFactor, rounded to nearest (ties to even) and saturated. */
-#define CUSTOMIPP_BINARY_SFS(symbol, op, T, channels) \
-    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst, \
+/* Two images to one, the exact result times 2^-scaleFactor, rounded to nearest (ties to even) and saturated.
+ */
+#define CUSTOMIPP_BINARY_SFS(symbol, op, T, channels)                                                        \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst,   \
         int dstStep, IppiSize roiSize, int scaleFactor);
-#define CUSTOMIPP_BINARY_SFS_I(symbol, op, T, channels) \
-    CUSTOMIPP_EXPORT IppStatus symbol( \
+#define CUSTOMIPP_BINARY_SFS_I(symbol, op, T, channels)                                                      \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
         const T* pSrc, int srcStep, T* pSrcDst, int srcDstStep, IppiSize roiSize, int scaleFactor);
 
 /* Two images to one. */
-#define CUSTOMIPP_BINARY(symbol, op, T, channels) \
-    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst, \
-        int dstStep, IppiSize roiSize);
-#define CUSTOMIPP_BINARY_I(symbol, op, T, channels) \
-    CUSTOMIPP_EXPORT IppStatus symbol( \
+#define CUSTOMIPP_BINARY(symbol, op, T, channels)                                                            \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
+        const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst, int dstStep, IppiSize roiSize);
+#define CUSTOMIPP_BINARY_I(symbol, op, T, channels)                                                          \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
         const T* pSrc, int srcStep, T* pSrcDst, int srcDstStep, IppiSize roiSize);
 /* Two images to one; the steps must hold a row and be multiples of the element size. */
 #define CUSTOMIPP_BINARY_STRICT(symbol, op, T, channels) CUSTOMIPP_BINARY(symbol, op, T, channels)
 
 /* An image and one constant. */
-#define CUSTOMIPP_CONSTANT_SFS(symbol, op, T) \
-    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, T value, T* pDst, int dstStep, \
-        IppiSize roiSize, int scaleFactor);
-#define CUSTOMIPP_CONSTANT_SFS_I(symbol, op, T) \
-    CUSTOMIPP_EXPORT IppStatus symbol( \
-        T value, T* pSrcDst, int srcDstStep, IppiSize roiSize, int scaleFactor);
-#define CUSTOMIPP_CONSTANT(symbol, op, T) \
-    CUSTOMIPP_EXPORT IppStatus symbol( \
+#define CUSTOMIPP_CONSTANT_SFS(symbol, op, T)                                                                \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
+        const T* pSrc, int srcStep, T value, T* pDst, int dstStep, IppiSize roiSize, int scaleFactor);
+#define CUSTOMIPP_CONSTANT_SFS_I(symbol, op, T)                                                              \
+    CUSTOMIPP_EXPORT IppStatus symbol(T value, T* pSrcDst, int srcDstStep, IppiSize roiSize, int scaleFactor);
+#define CUSTOMIPP_CONSTANT(symbol, op, T)                                                                    \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
         const T* pSrc, int srcStep, T value, T* pDst, int dstStep, IppiSize roiSize);
-#define CUSTOMIPP_CONSTANT_I(symbol, op, T) \
+#define CUSTOMIPP_CONSTANT_I(symbol, op, T)                                                                  \
     CUSTOMIPP_EXPORT IppStatus symbol(T value, T* pSrcDst, int srcDstStep, IppiSize roiSize);
 
 /* An image and one constant for each channel. */
-#define CUSTOMIPP_CONSTANTS_SFS(symbol, op, T, channels) \
-    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, const T value[channels], T* pDst, \
+#define CUSTOMIPP_CONSTANTS_SFS(symbol, op, T, channels)                                                     \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, const T value[channels], T* pDst,          \
         int dstStep, IppiSize roiSize, int scaleFactor);
-#define CUSTOMIPP_CONSTANTS_SFS_I(symbol, op, T, channels) \
-    CUSTOMIPP_EXPORT IppStatus symbol( \
+#define CUSTOMIPP_CONSTANTS_SFS_I(symbol, op, T, channels)                                                   \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
         const T value[channels], T* pSrcDst, int srcDstStep, IppiSize roiSize, int scaleFactor);
 /* Four channels, of which the last keeps what it holds. */
-#define CUSTOMIPP_CONSTANTS_AC4_SFS_I(symbol, op, T) \
-    CUSTOMIPP_EXPORT IppStatus symbol( \
+#define CUSTOMIPP_CONSTANTS_AC4_SFS_I(symbol, op, T)                                                         \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
         const T value[3], T* pSrcDst, int srcDstStep, IppiSize roiSize, int scaleFactor);
 
 /* One image to one of the same type. */
-#define CUSTOMIPP_UNARY(symbol, op, T, channels) \
+#define CUSTOMIPP_UNARY(symbol, op, T, channels)                                                             \
     CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize);
-#define CUSTOMIPP_UNARY_I(symbol, op, T, channels) \
+#define CUSTOMIPP_UNARY_I(symbol, op, T, channels)                                                           \
     CUSTOMIPP_EXPORT IppStatus symbol(T* pSrcDst, int srcDstStep, IppiSize roiSize);
 
 /* Two images, or one, into an accumulator of floats. */
-#define CUSTOMIPP_ACCUMULATE_BINARY(symbol, op, T) \
-    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, \
+#define CUSTOMIPP_ACCUMULATE_BINARY(symbol, op, T)                                                           \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step,            \
         Ipp32f* pSrcDst, int srcDstStep, IppiSize roiSize);
-#define CUSTOMIPP_ACCUMULATE_UNARY(symbol, op, T) \
-    CUSTOMIPP_EXPORT IppStatus symbol( \
+#define CUSTOMIPP_ACCUMULATE_UNARY(symbol, op, T)                                                            \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
         const T* pSrc, int srcStep, Ipp32f* pSrcDst, int srcDstStep, IppiSize roiSize);
 
 /* One image to another of other channels or of another type. */
-#define CUSTOMIPP_MOVE(symbol, op, S, srcChannels, D, dstChannels) \
+#define CUSTOMIPP_MOVE(symbol, op, S, srcChannels, D, dstChannels)                                           \
     CUSTOMIPP_EXPORT IppStatus symbol(const S* pSrc, int srcStep, D* pDst, int dstStep, IppiSize roiSize);
 /* The same with a rounding mode. */
-#define CUSTOMIPP_MOVE_ROUNDED(symbol, op, S, D) \
-    CUSTOMIPP_EXPORT IppStatus symbol( \
+#define CUSTOMIPP_MOVE_ROUNDED(symbol, op, S, D)                                                             \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
         const S* pSrc, int srcStep, D* pDst, int dstStep, IppiSize roiSize, IppRoundMode roundMode);
 /* One image to one of the same type, where a mask with a byte for each pixel is not 0. */
-#define CUSTOMIPP_MOVE_MASKED(symbol, op, T, channels) \
-    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize, \
+#define CUSTOMIPP_MOVE_MASKED(symbol, op, T, channels)                                                       \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize,    \
         const Ipp8u* pMask, int maskStep);
 
 /* One value for every pixel, for every channel, or for one channel of several. */
-#define CUSTOMIPP_FILL(symbol, op, T) \
+#define CUSTOMIPP_FILL(symbol, op, T)                                                                        \
     CUSTOMIPP_EXPORT IppStatus symbol(T value, T* pDst, int dstStep, IppiSize roiSize);
-#define CUSTOMIPP_FILL_PIXEL(symbol, op, T, channels) \
+#define CUSTOMIPP_FILL_PIXEL(symbol, op, T, channels)                                                        \
     CUSTOMIPP_EXPORT IppStatus symbol(const T value[channels], T* pDst, int dstStep, IppiSize roiSize);
-#define CUSTOMIPP_FILL_CHANNEL(symbol, op, T, channels) \
+#define CUSTOMIPP_FILL_CHANNEL(symbol, op, T, channels)                                                      \
     CUSTOMIPP_EXPORT IppStatus symbol(T value, T* pDst, int dstStep, IppiSize roiSize);
 
 /* Channels that change places. */
-#define CUSTOMIPP_SWAP_CHANNELS_I(symbol, op, T, channels) \
-    CUSTOMIPP_EXPORT IppStatus symbol( \
+#define CUSTOMIPP_SWAP_CHANNELS_I(symbol, op, T, channels)                                                   \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
         T* pSrcDst, int srcDstStep, IppiSize roiSize, const int dstOrder[channels]);
 
 /* Two thresholds with a value for each, the same for all pixels or for each of three channels. */
-#define CUSTOMIPP_TWO_LEVELS(symbol, op, T) \
-    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize, \
+#define CUSTOMIPP_TWO_LEVELS(symbol, op, T)                                                                  \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize,    \
         T thresholdLT, T valueLT, T thresholdGT, T valueGT);
-#define CUSTOMIPP_TWO_LEVELS_CHANNELS(symbol, op, T, channels) \
-    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize, \
+#define CUSTOMIPP_TWO_LEVELS_CHANNELS(symbol, op, T, channels)                                               \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize,    \
         const T thresholdLT[3], const T valueLT[3], const T thresholdGT[3], const T valueGT[3]);
+
+/* A sequence to another, the same or converted with a scale factor; the least and greatest element of one. */
+#define CUSTOMIPP_SIGNAL_COPY(symbol, op, T)                                                                 \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, T* pDst, int len);
+#define CUSTOMIPP_SIGNAL_CONVERT_SFS(symbol, op, S, D)                                                       \
+    CUSTOMIPP_EXPORT IppStatus symbol(const S* pSrc, D* pDst, int len, IppRoundMode rndMode, int scaleFactor);
+#define CUSTOMIPP_SIGNAL_MIN_MAX(symbol, op, T)                                                              \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int len, T* pMin, T* pMax);

@@ -1,213 +1,231 @@
 /*
- * The shapes of prototypes.h as definitions. A kernel source includes this last, and then the .def files of its
- * operations; it provides kernels<Op>() for each of them, which picks the kernels of this processor.
+ * The shapes of prototypes.h as definitions. A kernel source includes this last, and then the .def files of
+ * its operations; it provides kernels<Op>() for each of them, which picks the kernels of this processor.
  */
 
 #undef CUSTOMIPP_BINARY_SFS
-#define CUSTOMIPP_BINARY_SFS(symbol, op, T, channels) \
-    IppStatus symbol(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst, int dstStep, \
-        IppiSize roiSize, int scaleFactor) \
-    { \
-        return customipp::runBinary<T>(customipp::kernels##op(), {pSrc1, src1Step}, {pSrc2, src2Step}, \
-            {pDst, dstStep}, roiSize, channels, scaleFactor); \
+#define CUSTOMIPP_BINARY_SFS(symbol, op, T, channels)                                                        \
+    IppStatus symbol(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst, int dstStep,       \
+        IppiSize roiSize, int scaleFactor)                                                                   \
+    {                                                                                                        \
+        return customipp::runBinary<T>(customipp::kernels##op(), {pSrc1, src1Step}, {pSrc2, src2Step},       \
+            {pDst, dstStep}, roiSize, channels, scaleFactor);                                                \
     }
 
 #undef CUSTOMIPP_BINARY_SFS_I
-#define CUSTOMIPP_BINARY_SFS_I(symbol, op, T, channels) \
-    IppStatus symbol(const T* pSrc, int srcStep, T* pSrcDst, int srcDstStep, IppiSize roiSize, int scaleFactor) \
-    { \
-        return customipp::runBinary<T>(customipp::kernels##op(), {pSrc, srcStep}, {pSrcDst, srcDstStep}, \
-            {pSrcDst, srcDstStep}, roiSize, channels, scaleFactor); \
+#define CUSTOMIPP_BINARY_SFS_I(symbol, op, T, channels)                                                      \
+    IppStatus symbol(                                                                                        \
+        const T* pSrc, int srcStep, T* pSrcDst, int srcDstStep, IppiSize roiSize, int scaleFactor)           \
+    {                                                                                                        \
+        return customipp::runBinary<T>(customipp::kernels##op(), {pSrc, srcStep}, {pSrcDst, srcDstStep},     \
+            {pSrcDst, srcDstStep}, roiSize, channels, scaleFactor);                                          \
     }
 
 #undef CUSTOMIPP_BINARY
-#define CUSTOMIPP_BINARY(symbol, op, T, channels) \
-    IppStatus symbol(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst, int dstStep, \
-        IppiSize roiSize) \
-    { \
-        return customipp::runBinary<T>(customipp::kernels##op(), {pSrc1, src1Step}, {pSrc2, src2Step}, \
-            {pDst, dstStep}, roiSize, channels); \
+#define CUSTOMIPP_BINARY(symbol, op, T, channels)                                                            \
+    IppStatus symbol(                                                                                        \
+        const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst, int dstStep, IppiSize roiSize)  \
+    {                                                                                                        \
+        return customipp::runBinary<T>(customipp::kernels##op(), {pSrc1, src1Step}, {pSrc2, src2Step},       \
+            {pDst, dstStep}, roiSize, channels);                                                             \
     }
 
 #undef CUSTOMIPP_BINARY_I
-#define CUSTOMIPP_BINARY_I(symbol, op, T, channels) \
-    IppStatus symbol(const T* pSrc, int srcStep, T* pSrcDst, int srcDstStep, IppiSize roiSize) \
-    { \
-        return customipp::runBinary<T>(customipp::kernels##op(), {pSrc, srcStep}, {pSrcDst, srcDstStep}, \
-            {pSrcDst, srcDstStep}, roiSize, channels); \
+#define CUSTOMIPP_BINARY_I(symbol, op, T, channels)                                                          \
+    IppStatus symbol(const T* pSrc, int srcStep, T* pSrcDst, int srcDstStep, IppiSize roiSize)               \
+    {                                                                                                        \
+        return customipp::runBinary<T>(customipp::kernels##op(), {pSrc, srcStep}, {pSrcDst, srcDstStep},     \
+            {pSrcDst, srcDstStep}, roiSize, channels);                                                       \
     }
 
 #undef CUSTOMIPP_BINARY_STRICT
-#define CUSTOMIPP_BINARY_STRICT(symbol, op, T, channels) \
-    IppStatus symbol(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst, int dstStep, \
-        IppiSize roiSize) \
-    { \
+#define CUSTOMIPP_BINARY_STRICT(symbol, op, T, channels)                                                     \
+    IppStatus symbol(                                                                                        \
+        const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst, int dstStep, IppiSize roiSize)  \
+    {                                                                                                        \
         return customipp::runBinaryStrict<T>(customipp::kernels##op(), {pSrc1, src1Step}, {pSrc2, src2Step}, \
-            {pDst, dstStep}, roiSize, channels); \
+            {pDst, dstStep}, roiSize, channels);                                                             \
     }
 
 #undef CUSTOMIPP_CONSTANT_SFS
-#define CUSTOMIPP_CONSTANT_SFS(symbol, op, T) \
-    IppStatus symbol( \
-        const T* pSrc, int srcStep, T value, T* pDst, int dstStep, IppiSize roiSize, int scaleFactor) \
-    { \
-        return customipp::runConstants<T>(customipp::kernels##op(), {pSrc, srcStep}, {&value, 1}, \
-            {pDst, dstStep}, roiSize, scaleFactor); \
+#define CUSTOMIPP_CONSTANT_SFS(symbol, op, T)                                                                \
+    IppStatus symbol(                                                                                        \
+        const T* pSrc, int srcStep, T value, T* pDst, int dstStep, IppiSize roiSize, int scaleFactor)        \
+    {                                                                                                        \
+        return customipp::runConstants<T>(                                                                   \
+            customipp::kernels##op(), {pSrc, srcStep}, {&value, 1}, {pDst, dstStep}, roiSize, scaleFactor);  \
     }
 
 #undef CUSTOMIPP_CONSTANT_SFS_I
-#define CUSTOMIPP_CONSTANT_SFS_I(symbol, op, T) \
-    IppStatus symbol(T value, T* pSrcDst, int srcDstStep, IppiSize roiSize, int scaleFactor) \
-    { \
-        return customipp::runConstants<T>(customipp::kernels##op(), {pSrcDst, srcDstStep}, {&value, 1}, \
-            {pSrcDst, srcDstStep}, roiSize, scaleFactor); \
+#define CUSTOMIPP_CONSTANT_SFS_I(symbol, op, T)                                                              \
+    IppStatus symbol(T value, T* pSrcDst, int srcDstStep, IppiSize roiSize, int scaleFactor)                 \
+    {                                                                                                        \
+        return customipp::runConstants<T>(customipp::kernels##op(), {pSrcDst, srcDstStep}, {&value, 1},      \
+            {pSrcDst, srcDstStep}, roiSize, scaleFactor);                                                    \
     }
 
 #undef CUSTOMIPP_CONSTANT
-#define CUSTOMIPP_CONSTANT(symbol, op, T) \
-    IppStatus symbol(const T* pSrc, int srcStep, T value, T* pDst, int dstStep, IppiSize roiSize) \
-    { \
-        return customipp::runConstants<T>(customipp::kernels##op(), {pSrc, srcStep}, {&value, 1}, \
-            {pDst, dstStep}, roiSize); \
+#define CUSTOMIPP_CONSTANT(symbol, op, T)                                                                    \
+    IppStatus symbol(const T* pSrc, int srcStep, T value, T* pDst, int dstStep, IppiSize roiSize)            \
+    {                                                                                                        \
+        return customipp::runConstants<T>(                                                                   \
+            customipp::kernels##op(), {pSrc, srcStep}, {&value, 1}, {pDst, dstStep}, roiSize);               \
     }
 
 #undef CUSTOMIPP_CONSTANT_I
-#define CUSTOMIPP_CONSTANT_I(symbol, op, T) \
-    IppStatus symbol(T value, T* pSrcDst, int srcDstStep, IppiSize roiSize) \
-    { \
-        return customipp::runConstants<T>(customipp::kernels##op(), {pSrcDst, srcDstStep}, {&value, 1}, \
-            {pSrcDst, srcDstStep}, roiSize); \
+#define CUSTOMIPP_CONSTANT_I(symbol, op, T)                                                                  \
+    IppStatus symbol(T value, T* pSrcDst, int srcDstStep, IppiSize roiSize)                                  \
+    {                                                                                                        \
+        return customipp::runConstants<T>(                                                                   \
+            customipp::kernels##op(), {pSrcDst, srcDstStep}, {&value, 1}, {pSrcDst, srcDstStep}, roiSize);   \
     }
 
 #undef CUSTOMIPP_CONSTANTS_SFS
-#define CUSTOMIPP_CONSTANTS_SFS(symbol, op, T, channels) \
-    IppStatus symbol(const T* pSrc, int srcStep, const T value[channels], T* pDst, int dstStep, \
-        IppiSize roiSize, int scaleFactor) \
-    { \
-        return customipp::runConstants<T>(customipp::kernels##op(), {pSrc, srcStep}, {value, channels}, \
-            {pDst, dstStep}, roiSize, scaleFactor); \
+#define CUSTOMIPP_CONSTANTS_SFS(symbol, op, T, channels)                                                     \
+    IppStatus symbol(const T* pSrc, int srcStep, const T value[channels], T* pDst, int dstStep,              \
+        IppiSize roiSize, int scaleFactor)                                                                   \
+    {                                                                                                        \
+        return customipp::runConstants<T>(customipp::kernels##op(), {pSrc, srcStep}, {value, channels},      \
+            {pDst, dstStep}, roiSize, scaleFactor);                                                          \
     }
 
 #undef CUSTOMIPP_CONSTANTS_SFS_I
-#define CUSTOMIPP_CONSTANTS_SFS_I(symbol, op, T, channels) \
-    IppStatus symbol( \
-        const T value[channels], T* pSrcDst, int srcDstStep, IppiSize roiSize, int scaleFactor) \
-    { \
-        return customipp::runConstants<T>(customipp::kernels##op(), {pSrcDst, srcDstStep}, {value, channels}, \
-            {pSrcDst, srcDstStep}, roiSize, scaleFactor); \
+#define CUSTOMIPP_CONSTANTS_SFS_I(symbol, op, T, channels)                                                   \
+    IppStatus symbol(const T value[channels], T* pSrcDst, int srcDstStep, IppiSize roiSize, int scaleFactor) \
+    {                                                                                                        \
+        return customipp::runConstants<T>(customipp::kernels##op(), {pSrcDst, srcDstStep},                   \
+            {value, channels}, {pSrcDst, srcDstStep}, roiSize, scaleFactor);                                 \
     }
 
 #undef CUSTOMIPP_CONSTANTS_AC4_SFS_I
-#define CUSTOMIPP_CONSTANTS_AC4_SFS_I(symbol, op, T) \
-    IppStatus symbol(const T value[3], T* pSrcDst, int srcDstStep, IppiSize roiSize, int scaleFactor) \
-    { \
-        return customipp::runConstantsKeepingAlpha<T>(customipp::kernels##op(), {pSrcDst, srcDstStep}, value, \
-            roiSize, scaleFactor); \
+#define CUSTOMIPP_CONSTANTS_AC4_SFS_I(symbol, op, T)                                                         \
+    IppStatus symbol(const T value[3], T* pSrcDst, int srcDstStep, IppiSize roiSize, int scaleFactor)        \
+    {                                                                                                        \
+        return customipp::runConstantsKeepingAlpha<T>(                                                       \
+            customipp::kernels##op(), {pSrcDst, srcDstStep}, value, roiSize, scaleFactor);                   \
     }
 
 #undef CUSTOMIPP_UNARY
-#define CUSTOMIPP_UNARY(symbol, op, T, channels) \
-    IppStatus symbol(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize) \
-    { \
-        return customipp::runUnary<T>( \
-            customipp::kernels##op(), {pSrc, srcStep}, {pDst, dstStep}, roiSize, channels); \
+#define CUSTOMIPP_UNARY(symbol, op, T, channels)                                                             \
+    IppStatus symbol(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize)                     \
+    {                                                                                                        \
+        return customipp::runUnary<T>(                                                                       \
+            customipp::kernels##op(), {pSrc, srcStep}, {pDst, dstStep}, roiSize, channels);                  \
     }
 
 #undef CUSTOMIPP_UNARY_I
-#define CUSTOMIPP_UNARY_I(symbol, op, T, channels) \
-    IppStatus symbol(T* pSrcDst, int srcDstStep, IppiSize roiSize) \
-    { \
-        return customipp::runUnary<T>( \
-            customipp::kernels##op(), {pSrcDst, srcDstStep}, {pSrcDst, srcDstStep}, roiSize, channels); \
+#define CUSTOMIPP_UNARY_I(symbol, op, T, channels)                                                           \
+    IppStatus symbol(T* pSrcDst, int srcDstStep, IppiSize roiSize)                                           \
+    {                                                                                                        \
+        return customipp::runUnary<T>(                                                                       \
+            customipp::kernels##op(), {pSrcDst, srcDstStep}, {pSrcDst, srcDstStep}, roiSize, channels);      \
     }
 
 #undef CUSTOMIPP_ACCUMULATE_BINARY
-#define CUSTOMIPP_ACCUMULATE_BINARY(symbol, op, T) \
-    IppStatus symbol(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, Ipp32f* pSrcDst, \
-        int srcDstStep, IppiSize roiSize) \
-    { \
-        return customipp::runAccumulate<T>(customipp::kernels##op(), {pSrc1, src1Step}, {pSrc2, src2Step}, \
-            {pSrcDst, srcDstStep}, roiSize); \
+#define CUSTOMIPP_ACCUMULATE_BINARY(symbol, op, T)                                                           \
+    IppStatus symbol(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, Ipp32f* pSrcDst,            \
+        int srcDstStep, IppiSize roiSize)                                                                    \
+    {                                                                                                        \
+        return customipp::runAccumulate<T>(                                                                  \
+            customipp::kernels##op(), {pSrc1, src1Step}, {pSrc2, src2Step}, {pSrcDst, srcDstStep}, roiSize); \
     }
 
 #undef CUSTOMIPP_ACCUMULATE_UNARY
-#define CUSTOMIPP_ACCUMULATE_UNARY(symbol, op, T) \
-    IppStatus symbol(const T* pSrc, int srcStep, Ipp32f* pSrcDst, int srcDstStep, IppiSize roiSize) \
-    { \
-        return customipp::runAccumulate<T>(customipp::kernels##op(), {pSrc, srcStep}, {pSrc, srcStep}, \
-            {pSrcDst, srcDstStep}, roiSize); \
+#define CUSTOMIPP_ACCUMULATE_UNARY(symbol, op, T)                                                            \
+    IppStatus symbol(const T* pSrc, int srcStep, Ipp32f* pSrcDst, int srcDstStep, IppiSize roiSize)          \
+    {                                                                                                        \
+        return customipp::runAccumulate<T>(                                                                  \
+            customipp::kernels##op(), {pSrc, srcStep}, {pSrc, srcStep}, {pSrcDst, srcDstStep}, roiSize);     \
     }
 
 #undef CUSTOMIPP_MOVE
-#define CUSTOMIPP_MOVE(symbol, op, S, srcChannels, D, dstChannels) \
-    IppStatus symbol(const S* pSrc, int srcStep, D* pDst, int dstStep, IppiSize roiSize) \
-    { \
-        return customipp::runMove<S, srcChannels, D, dstChannels>( \
-            customipp::kernels##op(), {pSrc, srcStep}, {pDst, dstStep}, roiSize); \
+#define CUSTOMIPP_MOVE(symbol, op, S, srcChannels, D, dstChannels)                                           \
+    IppStatus symbol(const S* pSrc, int srcStep, D* pDst, int dstStep, IppiSize roiSize)                     \
+    {                                                                                                        \
+        return customipp::runMove<S, srcChannels, D, dstChannels>(                                           \
+            customipp::kernels##op(), {pSrc, srcStep}, {pDst, dstStep}, roiSize);                            \
     }
 
 #undef CUSTOMIPP_MOVE_ROUNDED
-#define CUSTOMIPP_MOVE_ROUNDED(symbol, op, S, D) \
-    IppStatus symbol( \
-        const S* pSrc, int srcStep, D* pDst, int dstStep, IppiSize roiSize, IppRoundMode roundMode) \
-    { \
-        return customipp::runRounded<D>( \
-            customipp::kernels##op(), {pSrc, srcStep}, {pDst, dstStep}, roiSize, roundMode); \
+#define CUSTOMIPP_MOVE_ROUNDED(symbol, op, S, D)                                                             \
+    IppStatus symbol(                                                                                        \
+        const S* pSrc, int srcStep, D* pDst, int dstStep, IppiSize roiSize, IppRoundMode roundMode)          \
+    {                                                                                                        \
+        return customipp::runRounded<D>(                                                                     \
+            customipp::kernels##op(), {pSrc, srcStep}, {pDst, dstStep}, roiSize, roundMode);                 \
     }
 
 #undef CUSTOMIPP_MOVE_MASKED
-#define CUSTOMIPP_MOVE_MASKED(symbol, op, T, channels) \
+#define CUSTOMIPP_MOVE_MASKED(symbol, op, T, channels)                                                       \
     IppStatus symbol(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize, const Ipp8u* pMask, \
-        int maskStep) \
-    { \
-        return customipp::runMasked<T, channels>(customipp::kernels##op(), {pSrc, srcStep}, {pDst, dstStep}, \
-            roiSize, {pMask, maskStep}); \
+        int maskStep)                                                                                        \
+    {                                                                                                        \
+        return customipp::runMasked<T, channels>(                                                            \
+            customipp::kernels##op(), {pSrc, srcStep}, {pDst, dstStep}, roiSize, {pMask, maskStep});         \
     }
 
 #undef CUSTOMIPP_FILL
-#define CUSTOMIPP_FILL(symbol, op, T) \
-    IppStatus symbol(T value, T* pDst, int dstStep, IppiSize roiSize) \
-    { \
-        return customipp::runFill<T, 1>(customipp::kernels##op(), &value, {pDst, dstStep}, roiSize); \
+#define CUSTOMIPP_FILL(symbol, op, T)                                                                        \
+    IppStatus symbol(T value, T* pDst, int dstStep, IppiSize roiSize)                                        \
+    {                                                                                                        \
+        return customipp::runFill<T, 1>(customipp::kernels##op(), &value, {pDst, dstStep}, roiSize);         \
     }
 
 #undef CUSTOMIPP_FILL_PIXEL
-#define CUSTOMIPP_FILL_PIXEL(symbol, op, T, channels) \
-    IppStatus symbol(const T value[channels], T* pDst, int dstStep, IppiSize roiSize) \
-    { \
-        return customipp::runFill<T, channels>(customipp::kernels##op(), value, {pDst, dstStep}, roiSize); \
+#define CUSTOMIPP_FILL_PIXEL(symbol, op, T, channels)                                                        \
+    IppStatus symbol(const T value[channels], T* pDst, int dstStep, IppiSize roiSize)                        \
+    {                                                                                                        \
+        return customipp::runFill<T, channels>(customipp::kernels##op(), value, {pDst, dstStep}, roiSize);   \
     }
 
 #undef CUSTOMIPP_FILL_CHANNEL
-#define CUSTOMIPP_FILL_CHANNEL(symbol, op, T, channels) \
-    IppStatus symbol(T value, T* pDst, int dstStep, IppiSize roiSize) \
-    { \
-        return customipp::runFillChannel<T, channels>( \
-            customipp::kernels##op(), value, {pDst, dstStep}, roiSize); \
+#define CUSTOMIPP_FILL_CHANNEL(symbol, op, T, channels)                                                      \
+    IppStatus symbol(T value, T* pDst, int dstStep, IppiSize roiSize)                                        \
+    {                                                                                                        \
+        return customipp::runFillChannel<T, channels>(                                                       \
+            customipp::kernels##op(), value, {pDst, dstStep}, roiSize);                                      \
     }
 
 #undef CUSTOMIPP_SWAP_CHANNELS_I
-#define CUSTOMIPP_SWAP_CHANNELS_I(symbol, op, T, channels) \
-    IppStatus symbol(T* pSrcDst, int srcDstStep, IppiSize roiSize, const int dstOrder[channels]) \
-    { \
-        return customipp::runSwapChannels( \
-            customipp::kernels##op(), {pSrcDst, srcDstStep}, roiSize, dstOrder); \
+#define CUSTOMIPP_SWAP_CHANNELS_I(symbol, op, T, channels)                                                   \
+    IppStatus symbol(T* pSrcDst, int srcDstStep, IppiSize roiSize, const int dstOrder[channels])             \
+    {                                                                                                        \
+        return customipp::runSwapChannels(                                                                   \
+            customipp::kernels##op(), {pSrcDst, srcDstStep}, roiSize, dstOrder);                             \
     }
 
 #undef CUSTOMIPP_TWO_LEVELS
-#define CUSTOMIPP_TWO_LEVELS(symbol, op, T) \
-    IppStatus symbol(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize, T thresholdLT, \
-        T valueLT, T thresholdGT, T valueGT) \
-    { \
-        return customipp::runTwoLevels<T, 1>(customipp::kernels##op(), {pSrc, srcStep}, {pDst, dstStep}, \
-            roiSize, {&thresholdLT, &valueLT, &thresholdGT, &valueGT}); \
+#define CUSTOMIPP_TWO_LEVELS(symbol, op, T)                                                                  \
+    IppStatus symbol(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize, T thresholdLT,      \
+        T valueLT, T thresholdGT, T valueGT)                                                                 \
+    {                                                                                                        \
+        return customipp::runTwoLevels<T, 1>(customipp::kernels##op(), {pSrc, srcStep}, {pDst, dstStep},     \
+            roiSize, {&thresholdLT, &valueLT, &thresholdGT, &valueGT});                                      \
     }
 
 #undef CUSTOMIPP_TWO_LEVELS_CHANNELS
-#define CUSTOMIPP_TWO_LEVELS_CHANNELS(symbol, op, T, channels) \
-    IppStatus symbol(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize, \
-        const T thresholdLT[3], const T valueLT[3], const T thresholdGT[3], const T valueGT[3]) \
-    { \
-        return customipp::runTwoLevels<T, channels>(customipp::kernels##op(), {pSrc, srcStep}, \
-            {pDst, dstStep}, roiSize, {thresholdLT, valueLT, thresholdGT, valueGT}); \
+#define CUSTOMIPP_TWO_LEVELS_CHANNELS(symbol, op, T, channels)                                               \
+    IppStatus symbol(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize,                     \
+        const T thresholdLT[3], const T valueLT[3], const T thresholdGT[3], const T valueGT[3])              \
+    {                                                                                                        \
+        return customipp::runTwoLevels<T, channels>(customipp::kernels##op(), {pSrc, srcStep},               \
+            {pDst, dstStep}, roiSize, {thresholdLT, valueLT, thresholdGT, valueGT});                         \
+    }
+
+#undef CUSTOMIPP_SIGNAL_COPY
+#define CUSTOMIPP_SIGNAL_COPY(symbol, op, T)                                                                 \
+    IppStatus symbol(const T* pSrc, T* pDst, int len) { return customipp::runSignalCopy(pSrc, pDst, len); }
+
+#undef CUSTOMIPP_SIGNAL_CONVERT_SFS
+#define CUSTOMIPP_SIGNAL_CONVERT_SFS(symbol, op, S, D)                                                       \
+    IppStatus symbol(const S* pSrc, D* pDst, int len, IppRoundMode rndMode, int scaleFactor)                 \
+    {                                                                                                        \
+        return customipp::runSignalConvert(customipp::kernels##op(), pSrc, pDst, len, rndMode, scaleFactor); \
+    }
+
+#undef CUSTOMIPP_SIGNAL_MIN_MAX
+#define CUSTOMIPP_SIGNAL_MIN_MAX(symbol, op, T)                                                              \
+    IppStatus symbol(const T* pSrc, int len, T* pMin, T* pMax)                                               \
+    {                                                                                                        \
+        return customipp::runSignalMinMax(customipp::kernels##op(), pSrc, len, pMin, pMax);                  \
     }

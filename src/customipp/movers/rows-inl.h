@@ -15,22 +15,29 @@ namespace customipp {
 namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
+template <class D> constexpr bool isPartOfFloats()
+{
+    return hwy::IsFloat<hn::TFromD<D>>() && hn::MaxLanes(D()) * sizeof(hn::TFromD<D>) < 16;
+}
+
 /**
  * A vector from any address, and to any. Floats that are less than a full vector go as integers: as floats
  * they would pass through a pointer that the language wants aligned.
  */
 template <class D> HWY_INLINE hn::Vec<D> loadAnywhere(D d, const hn::TFromD<D>* from)
 {
-    if constexpr (hwy::IsFloat<hn::TFromD<D>>() && hn::MaxLanes(d) < 4)
-        return hn::BitCast(d, hn::LoadU(hn::RebindToUnsigned<D>(), reinterpret_cast<const uint32_t*>(from)));
-    else
+    if constexpr (isPartOfFloats<D>()) {
+        const hn::RebindToUnsigned<D> du;
+        return hn::BitCast(d, hn::LoadU(du, reinterpret_cast<const hn::TFromD<decltype(du)>*>(from)));
+    } else {
         return hn::LoadU(d, from);
+    }
 }
 template <class D> HWY_INLINE void storeAnywhere(hn::Vec<D> v, D d, hn::TFromD<D>* to)
 {
-    if constexpr (hwy::IsFloat<hn::TFromD<D>>() && hn::MaxLanes(d) < 4) {
+    if constexpr (isPartOfFloats<D>()) {
         const hn::RebindToUnsigned<D> du;
-        hn::StoreU(hn::BitCast(du, v), du, reinterpret_cast<uint32_t*>(to));
+        hn::StoreU(hn::BitCast(du, v), du, reinterpret_cast<hn::TFromD<decltype(du)>*>(to));
     } else {
         hn::StoreU(v, d, to);
     }

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "../checks.h"
+
+#include <customipp/customipp.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <tuple>
+
+namespace customipp {
+
+/** Converts n elements, each times `scale`. */
+using SignalConvertKernel = void (*)(const Ipp32f* src, Ipp32s* dst, size_t n, double scale);
+template <class T> using SignalMinMaxKernel = void (*)(const T* src, size_t n, T* least, T* greatest);
+
+struct SignalKernels {
+    SignalConvertKernel convertByMode[3];
+    std::tuple<SignalMinMaxKernel<Ipp32u>, SignalMinMaxKernel<Ipp32s>, SignalMinMaxKernel<Ipp64f>> minMax;
+};
+
+inline IppStatus checkSignal(std::initializer_list<const void*> pointers, int len)
+{
+    return checkArguments(pointers, {len, 1}, {});
+}
+
+template <class T> IppStatus runSignalCopy(const T* src, T* dst, int len)
+{
+    const IppStatus status = checkSignal({src, dst}, len);
+    if (status == ippStsNoErr)
+        std::memcpy(dst, src, size_t(len) * sizeof(T));
+    return status;
+}
+
+inline IppStatus runSignalConvert(
+    const SignalKernels& kernels, const Ipp32f* src, Ipp32s* dst, int len, IppRoundMode mode, int scaleFactor)
+{
+    if (const IppStatus status = checkSignal({src, dst}, len))
+        return status;
+    const int rounding = mode & ~ippRndHintAccurate;
+    if (rounding < ippRndZero || rounding > ippRndFinancial)
+        return ippStsRoundModeNotSupportedErr;
+    // Beyond this every float is far below one half, or 0, or far out of range; up to it the product is
+    // exact.
+    const int bounded = std::clamp(scaleFactor, -300, 300);
+    kernels.convertByMode[rounding](src, dst, size_t(len), std::ldexp(1.0, -bounded));
+    return ippStsNoErr;
+}
+
+template <class T>
+IppStatus runSignalMinMax(const SignalKernels& kernels, const T* src, int len, T* least, T* greatest)
+{
+    const IppStatus status = checkSignal({src, least, greatest}, len);
+    if (status == ippStsNoErr)
+        std::get<SignalMinMaxKernel<T>>(kernels.minMax)(src, size_t(len), least, greatest);
+    return status;
+}
+
+} // namespace customipp
