@@ -3,28 +3,70 @@
 #include <tarnbase/cRange.h>
 
 #include <QtGlobal>
-#include <cmath>
 #include <cstddef>
-#include <cstdint>
 #include <limits>
 #include <tuple>
+#include <type_traits>
 
 namespace conversion {
 
-/** What is known of the mapped values before any pixel is seen, so that their store can be a short one. */
-enum class Store {
-    NonNegative, ///< all lie within the element type, and none is negative
-    InRange, ///< all lie within the element type
-    Wraps ///< any number, NaN included
+/** The elements of a type as far as a mapping must know them. */
+struct ElementType {
+    bool isInteger;
+    unsigned bytes;
+    double least;
+    double greatest;
+
+    template <class T>
+    static constexpr ElementType of()
+    {
+        using Limits = std::numeric_limits<T>;
+        return {Limits::is_integer, unsigned(sizeof(T)), double(Limits::lowest()), double(Limits::max())};
+    }
 };
 
-/** w = (v - low) * factor + offset, for v limited to low to high. */
+/**
+ * The mapping w = (v - low) * factor + offset for v limited to low to high, with shorter ways to the same integers.
+ *
+ * A short way gives w up to a known error. Where w is further from a half than that error the rounded integer is certain;
+ * the few vectors in which it is not are computed anew by the definition.
+ */
 struct LinearMap {
+    LinearMap(const cDblRange& i_input, const cDblRange& i_output, const ElementType& i_source,
+        const ElementType& i_target);
+
     double low;
     double high;
     double factor;
     double offset;
-    Store store;
+    bool limits; ///< some element may lie outside low to high
+
+    /** Bits behind the point of the guess for a target type: as many as leave room for its integers in a double. */
+    template <class D>
+    static constexpr int fractionBits = sizeof(D) <= 2 ? 32 : 16;
+
+    /**
+     * One multiplication and one addition in double: the low bits of v * factor + constant are w + 0.5 with a fixed
+     * point, and 2 in the last place.
+     */
+    struct {
+        bool usable;
+        double constant;
+        quint64 doubtful; ///< the bits behind the point but for two; all 0 if rounding is in doubt
+    } guess;
+
+    /** In lanes of 16 bits: (v - low) * (whole + fraction / 2^32) + base, and in units of 2^-14 what is below a unit. */
+    struct {
+        bool usable;
+        quint16 low; ///< of the elements, modulo 2^16; and so on
+        quint16 high;
+        quint16 subtrahend;
+        quint16 whole;
+        quint16 upper; ///< upper half of the fraction
+        quint16 lower;
+        quint16 start; ///< the offset's share below a unit, and a half for rounding
+        quint16 base;
+    } fixed;
 };
 
 template <class S, class D>
@@ -57,43 +99,22 @@ template <class S, class D>
 class cImageConverter {
 public:
     /** Neither range may have width 0. */
-    cImageConverter(const cDblRange& i_input, const cDblRange& i_output);
+    cImageConverter(const cDblRange& i_input, const cDblRange& i_output)
+        : m_map(i_input, i_output, conversion::ElementType::of<S>(), conversion::ElementType::of<D>())
+    {
+    }
 
     /** Source and target may be the same row if the types have the same size. */
-    void operator()(const S* i_source, D* o_target, std::size_t i_count) const;
+    void operator()(const S* i_source, D* o_target, std::size_t i_count) const
+    {
+        using namespace conversion;
+        if constexpr (std::is_same_v<S, qint64>)
+            convertInt64Row(i_source, o_target, i_count, m_map);
+        else
+            std::get<ConvertRow<S, D>>(std::get<ConvertersFrom<S>>(converterTable()))(
+                i_source, o_target, i_count, m_map);
+    }
 
 private:
     conversion::LinearMap m_map;
 };
-
-template <class S, class D>
-cImageConverter<S, D>::cImageConverter(const cDblRange& i_input, const cDblRange& i_output)
-{
-    using Limits = std::numeric_limits<D>;
-    m_map.low = i_input.getLow();
-    m_map.high = i_input.getHigh();
-    m_map.factor = i_output.getLength() / i_input.getLength();
-    m_map.offset = i_output.getLow();
-
-    // Rounding is monotone: no pixel is mapped beyond the images of both ends. The last bit of the upper one may lie
-    // above the output range, which a quarter allows for.
-    const double atHigh = i_input.getLength() * m_map.factor + m_map.offset;
-    const double least = std::fmin(m_map.offset, atHigh);
-    const double greatest = std::fmax(m_map.offset, atHigh);
-    const bool fits = std::isfinite(m_map.factor) && std::isfinite(atHigh) && std::isfinite(i_input.getLength())
-        && least >= double(Limits::lowest()) - 0.25 && greatest <= double(Limits::max()) + 0.25;
-    m_map.store = !fits ? conversion::Store::Wraps
-        : least >= 0.0  ? conversion::Store::NonNegative
-                        : conversion::Store::InRange;
-}
-
-template <class S, class D>
-void cImageConverter<S, D>::operator()(const S* i_source, D* o_target, std::size_t i_count) const
-{
-    using namespace conversion;
-    if constexpr (sizeof(S) == 8 && std::numeric_limits<S>::is_integer)
-        convertInt64Row(i_source, o_target, i_count, m_map);
-    else
-        std::get<ConvertRow<S, D>>(std::get<ConvertersFrom<S>>(converterTable()))(
-            i_source, o_target, i_count, m_map);
-}

@@ -211,9 +211,7 @@ void toFloat32(Program& io_program, const Ranges& i_ranges, IppStatus (*i_conver
 {
     addLimit<T>(io_program, 1, i_ranges.input, Refused::Source);
     addMove(io_program, 4, i_convert);
-    addSubtractFloat(io_program, i_ranges);
-    addMultiplyFloat(io_program, i_ranges);
-    addOffsetFloat(io_program, i_ranges);
+    addStretchFloat(io_program, i_ranges);
 }
 
 void uInt8ToFloat32(Program& io_program, const Ranges& i_ranges)
@@ -224,25 +222,6 @@ void uInt8ToFloat32(Program& io_program, const Ranges& i_ranges)
 void uInt16ToFloat32(Program& io_program, const Ranges& i_ranges)
 {
     toFloat32<Ipp16u>(io_program, i_ranges, ippiConvert_16u32f_C1R);
-}
-
-void float32ToFloat32(Program& io_program, const Ranges& i_ranges)
-{
-    addLimitFloat(io_program, i_ranges.input);
-    addSubtractFloat(io_program, i_ranges);
-    addDivideFloat(io_program, i_ranges);
-    addOffsetFloat(io_program, i_ranges);
-}
-
-template <class T>
-using RoundFloat = IppStatus (*)(const Ipp32f*, int, T*, int, IppiSize, IppRoundMode);
-
-/** To an integer: NaN becomes the least value of the type. */
-template <class T, RoundFloat<T> Round>
-void fromFloat32(Program& io_program, const Ranges& i_ranges)
-{
-    float32ToFloat32(io_program, i_ranges);
-    addRound<T>(io_program, Round);
 }
 
 // ---- Two routes by way of UInt8 --------------------------------------------------------------------------------
@@ -273,11 +252,6 @@ template <Route ToUInt8>
 constexpr Route toRgb32 = toColour<ToUInt8, uInt8ToRgb32>;
 
 // ---- The matrix ------------------------------------------------------------------------------------------------
-
-constexpr Route float32ToUInt8 = fromFloat32<Ipp8u, ippiConvert_32f8u_C1R>;
-constexpr Route float32ToUInt16 = fromFloat32<Ipp16u, ippiConvert_32f16u_C1R>;
-constexpr Route float32ToSInt8 = fromFloat32<Ipp8s, ippiConvert_32f8s_C1R>;
-constexpr Route float32ToSInt16 = fromFloat32<Ipp16s, ippiConvert_32f16s_C1R>;
 
 constexpr Route none = nullptr;
 
@@ -318,8 +292,8 @@ constexpr Route s_routes[s_numTypes][s_numTypes] = {
     // SInt64
     {none, none, none, none, none, none, none, none, generic<qint64, qint64>, none, none},
     // Float32
-    {toRgb24<float32ToUInt8>, toRgb32<float32ToUInt8>, float32ToUInt8, float32ToUInt16, generic<float, quint32>,
-        float32ToSInt8, float32ToSInt16, generic<float, qint32>, none, float32ToFloat32, generic<float, double>},
+    {toRgb24<addFloatChain<Ipp8u>>, toRgb32<addFloatChain<Ipp8u>>, addFloatChain<Ipp8u>, addFloatChain<Ipp16u>, generic<float, quint32>,
+        addFloatChain<Ipp8s>, addFloatChain<Ipp16s>, generic<float, qint32>, none, addFloatChain<Ipp32f>, generic<float, double>},
     // Float64
     {toRgb24<generic<double, quint8>>, toRgb32<generic<double, quint8>>, generic<double, quint8>,
         generic<double, quint16>, generic<double, quint32>, generic<double, qint8>, generic<double, qint16>,

@@ -1,5 +1,7 @@
 #include "conversion/steps.h"
 
+#include "conversion/floatChain.h"
+
 #include <cmath>
 #include <limits>
 
@@ -33,10 +35,8 @@ struct Layer<Ipp16u> {
 
 template <>
 struct Layer<Ipp32f> {
-    static constexpr auto limit = ippiThreshold_LTValGTVal_32f_C1R;
     static constexpr auto subtract = ippiSubC_32f_C1R;
     static constexpr auto multiply = ippiMulC_32f_C1R;
-    static constexpr auto divide = ippiDivC_32f_C1R;
     static constexpr auto add = ippiAddC_32f_C1R;
 };
 
@@ -151,36 +151,42 @@ template void addSubtract<Ipp16u>(Program&, int, const Ranges&);
 template void addStretch<Ipp8u>(Program&, int, const Ranges&);
 template void addStretch<Ipp16u>(Program&, int, const Ranges&);
 
-void addLimitFloat(Program& io_program, const cDblRange& i_range)
-{
-    addClamp(io_program, 1, Ipp32f(i_range.getLow()), Ipp32f(i_range.getHigh()));
-}
-
-void addSubtractFloat(Program& io_program, const Ranges& i_ranges)
+void addStretchFloat(Program& io_program, const Ranges& i_ranges)
 {
     if (i_ranges.input.getLow() != 0.0)
         addConstantFloat<Layer<Ipp32f>::subtract>(io_program, Ipp32f(i_ranges.input.getLow()));
-}
-
-void addMultiplyFloat(Program& io_program, const Ranges& i_ranges)
-{
     if (i_ranges.factor() != 1.0) // multiplication by 1 changes no pixel
         addConstantFloat<Layer<Ipp32f>::multiply>(io_program, Ipp32f(i_ranges.factor()));
-}
-
-void addDivideFloat(Program& io_program, const Ranges& i_ranges)
-{
-    const double exact = i_ranges.input.getLength() / i_ranges.output.getLength();
-    const auto divisor = Ipp32f(exact);
-    // Division by 1 changes no pixel, and by 0 (an output range far wider than the input range) the layer refuses.
-    if (exact != 1.0 && divisor != 0.0f)
-        addConstantFloat<Layer<Ipp32f>::divide>(io_program, divisor);
-}
-
-void addOffsetFloat(Program& io_program, const Ranges& i_ranges)
-{
     if (i_ranges.output.getLow() != 0.0)
         addConstantFloat<Layer<Ipp32f>::add>(io_program, Ipp32f(i_ranges.output.getLow()));
 }
+
+template <class T>
+void addFloatChain(Program& io_program, const Ranges& i_ranges)
+{
+    const cDblRange& in = i_ranges.input;
+    const cDblRange& out = i_ranges.output;
+    const auto divisor = Ipp32f(in.getLength() / out.getLength());
+    const FloatChain chain{
+        .low = Ipp32f(in.getLow()),
+        .high = Ipp32f(in.getHigh()),
+        .subtrahend = in.getLow() != 0.0 ? Ipp32f(in.getLow()) : 0.0f,
+        .divisor = divisor != 0.0f ? divisor : 1.0f, // nothing is divided by 0: an output range far too wide
+        .summand = out.getLow() != 0.0 ? Ipp32f(out.getLow()) : -0.0f,
+    };
+    io_program.move(int(sizeof(T)), [chain](const Tile& tile, SourceRows source, TargetRows target) {
+        const auto convert = std::get<FloatChainRow<T>>(floatChainTable());
+        for (int y = 0; y < tile.height; ++y) {
+            convert(reinterpret_cast<const Ipp32f*>(source.first + y * source.pitch),
+                reinterpret_cast<T*>(target.first + y * target.pitch), std::size_t(tile.width), chain);
+        }
+    });
+}
+
+template void addFloatChain<Ipp8u>(Program&, const Ranges&);
+template void addFloatChain<Ipp8s>(Program&, const Ranges&);
+template void addFloatChain<Ipp16u>(Program&, const Ranges&);
+template void addFloatChain<Ipp16s>(Program&, const Ranges&);
+template void addFloatChain<Ipp32f>(Program&, const Ranges&);
 
 } // namespace conversion

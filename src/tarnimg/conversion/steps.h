@@ -83,16 +83,21 @@ extern template void addSubtract<Ipp16u>(Program&, int, const Ranges&);
 extern template void addStretch<Ipp8u>(Program&, int, const Ranges&);
 extern template void addStretch<Ipp16u>(Program&, int, const Ranges&);
 
-/** Limits floats to a range; always a step. NaN stays. */
-void addLimitFloat(Program& io_program, const cDblRange& i_range);
-/** The low end of the input range becomes 0. */
-void addSubtractFloat(Program& io_program, const Ranges& i_ranges);
-/** Stretches by multiplication with the factor. */
-void addMultiplyFloat(Program& io_program, const Ranges& i_ranges);
-/** Stretches by division by the reciprocal of the factor, which differs from multiplication in the last bit. */
-void addDivideFloat(Program& io_program, const Ranges& i_ranges);
-/** 0 becomes the low end of the output range. */
-void addOffsetFloat(Program& io_program, const Ranges& i_ranges);
+/** The low end of the input range becomes 0, the factor is multiplied, and 0 becomes the low end of the output range. */
+void addStretchFloat(Program& io_program, const Ranges& i_ranges);
+
+/**
+ * A float source onto any output range: limits always, subtracts, divides by the reciprocal of the factor (which
+ * differs from a multiplication in the last bit), adds; then rounds to nearest, ties to even, and saturates.
+ */
+template <class T>
+void addFloatChain(Program& io_program, const Ranges& i_ranges);
+
+extern template void addFloatChain<Ipp8u>(Program&, const Ranges&);
+extern template void addFloatChain<Ipp8s>(Program&, const Ranges&);
+extern template void addFloatChain<Ipp16u>(Program&, const Ranges&);
+extern template void addFloatChain<Ipp16s>(Program&, const Ranges&);
+extern template void addFloatChain<Ipp32f>(Program&, const Ranges&);
 
 /** A function of the pixel layer that changes the pixel type or the number of channels. */
 template <class S, class D>
@@ -102,17 +107,6 @@ void addMove(Program& io_program, int i_pixelBytes,
     io_program.move(i_pixelBytes, [i_function](const Tile& tile, SourceRows source, TargetRows target) {
         i_function(reinterpret_cast<const S*>(source.first), source.step(), reinterpret_cast<D*>(target.first),
             target.step(), tile.elements(1));
-    });
-}
-
-/** Rounds floats to nearest, ties to even, and saturates. */
-template <class D>
-void addRound(Program& io_program,
-    IppStatus (*i_function)(const Ipp32f*, int, D*, int, IppiSize, IppRoundMode))
-{
-    io_program.move(int(sizeof(D)), [i_function](const Tile& tile, SourceRows source, TargetRows target) {
-        i_function(reinterpret_cast<const Ipp32f*>(source.first), source.step(),
-            reinterpret_cast<D*>(target.first), target.step(), tile.elements(1), ippRndNear);
     });
 }
 

@@ -152,7 +152,8 @@ std::vector<Range> outputRanges(reference::Type i_type)
 /** The range that a new image of this type has. */
 bool isStartRange(reference::Type i_type, Range i_range)
 {
-    const cDblRange& range = cImg(libraryType(i_type), 1, 1).getRange();
+    const cImg image(libraryType(i_type), 1, 1);
+    const cDblRange& range = image.getRange();
     return range.getLow() == i_range.low && range.getHigh() == i_range.high;
 }
 

@@ -1,0 +1,128 @@
+// Floats through the whole chain in one pass: the passes of the pixel layer, which wait for the memory, give the same
+// pixels.
+#include "conversion/floatChain.h"
+
+#include <cmath>
+#include <limits>
+#include <type_traits>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "conversion/floatChain.cpp"
+#include <hwy/foreach_target.h>
+
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace conversion {
+namespace HWY_NAMESPACE {
+namespace {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+/** Divides by the division instruction. */
+struct Divide {
+    template <class D, class V>
+    HWY_INLINE V operator()(D d, V v, const FloatChain& i_chain) const
+    {
+        return hn::Div(v, hn::Set(d, i_chain.divisor));
+    }
+};
+
+/**
+ * Divides by products, several times as fast, where there is a fused multiply-add: the remainder of a quotient is then
+ * exact. The first correction gives a quotient next to the right one. As the reciprocal is correctly rounded, the second
+ * gives the right one (Markstein), except for quotients so small that the chain's rounding to integers forgets them.
+ */
+struct DivideByProducts {
+    template <class D, class V>
+    HWY_INLINE V operator()(D d, V v, const FloatChain& i_chain) const
+    {
+        const V divisor = hn::Set(d, i_chain.divisor);
+        const V reciprocal = hn::Set(d, 1.0f / i_chain.divisor);
+        V quotient = hn::Mul(v, reciprocal);
+        quotient = hn::MulAdd(hn::NegMulAdd(quotient, divisor, v), reciprocal, quotient);
+        return hn::MulAdd(hn::NegMulAdd(quotient, divisor, v), reciprocal, quotient);
+    }
+};
+
+#if HWY_TARGET == HWY_AVX2 || HWY_TARGET == HWY_AVX3 || HWY_TARGET == HWY_NEON
+constexpr bool s_hasFusedMulAdd = true;
+#else
+constexpr bool s_hasFusedMulAdd = false;
+#endif
+
+template <class Division, class T, class D>
+HWY_INLINE void convertVector(D d, const Ipp32f* i_source, T* o_target, const FloatChain& i_chain)
+{
+    using V = hn::Vec<D>;
+    const V low = hn::Set(d, i_chain.low);
+    const V high = hn::Set(d, i_chain.high);
+    V v = hn::LoadU(d, i_source);
+    v = hn::IfThenElse(hn::Lt(v, low), low, hn::IfThenElse(hn::Gt(v, high), high, v)); // NaN stays
+    v = Division()(d, hn::Sub(v, hn::Set(d, i_chain.subtrahend)), i_chain);
+    v = hn::Add(v, hn::Set(d, i_chain.summand));
+    if constexpr (std::is_same_v<T, Ipp32f>) {
+        hn::StoreU(v, d, o_target);
+    } else {
+        const hn::Rebind<T, D> dt;
+        const V least = hn::Set(d, Ipp32f(std::numeric_limits<T>::min()));
+        const V greatest = hn::Set(d, Ipp32f(std::numeric_limits<T>::max()));
+        v = hn::Min(hn::IfThenElse(hn::Gt(v, least), v, least), greatest); // NaN becomes the least too
+        hn::StoreU(hn::DemoteTo(dt, hn::NearestInt(v)), dt, o_target);
+    }
+}
+
+template <class Division, class T>
+HWY_INLINE void convertAll(const Ipp32f* i_source, T* o_target, std::size_t i_count, const FloatChain& i_chain)
+{
+    const FloatChain chain = i_chain; // stays in registers: no store can reach it
+    const hn::ScalableTag<Ipp32f> d;
+    const hn::CappedTag<Ipp32f, 1> one;
+    const std::size_t lanes = hn::Lanes(d);
+    std::size_t x = 0;
+    for (; x + lanes <= i_count; x += lanes)
+        convertVector<Division>(d, i_source + x, o_target + x, chain);
+    for (; x < i_count; ++x)
+        convertVector<Division>(one, i_source + x, o_target + x, chain);
+}
+
+template <class T>
+void convertRow(const Ipp32f* i_source, T* o_target, std::size_t i_count, const FloatChain& i_chain)
+{
+    if (s_hasFusedMulAdd && !std::is_same_v<T, Ipp32f> && i_chain.isModerate())
+        convertAll<DivideByProducts>(i_source, o_target, i_count, i_chain);
+    else
+        convertAll<Divide>(i_source, o_target, i_count, i_chain);
+}
+
+} // namespace
+
+const FloatChainTable& floatChains()
+{
+    static constexpr FloatChainTable table{
+        convertRow<Ipp8u>, convertRow<Ipp8s>, convertRow<Ipp16u>, convertRow<Ipp16s>, convertRow<Ipp32f>};
+    return table;
+}
+
+} // namespace HWY_NAMESPACE
+} // namespace conversion
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace conversion {
+
+HWY_EXPORT(floatChains);
+
+const FloatChainTable& floatChainTable()
+{
+    return HWY_DYNAMIC_DISPATCH(floatChains)();
+}
+
+bool FloatChain::isModerate() const
+{
+    const auto isSmall = [](Ipp32f i_value) { return std::fabs(i_value) < 0x1p60f; };
+    return isSmall(low) && isSmall(high) && isSmall(summand) && isSmall(divisor) && divisor > 0x1p-60f;
+}
+
+} // namespace conversion
+#endif // HWY_ONCE

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <customipp/types.h>
+
+#include <cstddef>
+#include <tuple>
+
+namespace conversion {
+
+/** Limits, subtracts, divides and adds, each of the last three a float operation with its own rounding. */
+struct FloatChain {
+    Ipp32f low;
+    Ipp32f high;
+    Ipp32f subtrahend; ///< +0 changes no float
+    Ipp32f divisor; ///< nor does 1
+    Ipp32f summand; ///< nor does -0
+
+    /** All numbers are so far from the ends of the float range that a quotient can be made of products. */
+    bool isModerate() const;
+};
+
+template <class T>
+using FloatChainRow = void (*)(const Ipp32f* i_source, T* o_target, std::size_t i_count, const FloatChain& i_chain);
+
+/** Rows into each pixel type: integers are rounded to nearest, ties to even, and saturated; NaN is their least value. */
+using FloatChainTable = std::tuple<FloatChainRow<Ipp8u>, FloatChainRow<Ipp8s>, FloatChainRow<Ipp16u>,
+    FloatChainRow<Ipp16s>, FloatChainRow<Ipp32f>>;
+
+const FloatChainTable& floatChainTable();
+
+} // namespace conversion
