@@ -24,7 +24,8 @@ Q_DECLARE_FLAGS(StartReasons, EStartReason)
  * A node of the data flow: a station or a graph.
  *
  * Owns its parameter map. Ports register themselves here when they are attached; they are members of the derived class or
- * of its port groups, or are made dynamically and then owned by the node.
+ * of its port groups, or are made dynamically and then owned by the node: what is still registered when the node is destroyed
+ * is deleted.
  *
  * Lifecycle: initialize, canStart, start, postStart, (running), stop, destroy. The graph calls it, from one thread.
  */

@@ -6,8 +6,7 @@
 #include <tarnflow/cOPortBase.h>
 
 struct cBufferPool::Sleeper {
-    std::condition_variable woken;
-    bool awake = false;
+    std::atomic<int> awake {0}; ///< the last thing that is written on waking: then the sleeper may be gone
     cBuffer* buffer = nullptr; ///< handed over on waking; null means: look again
     const cStation* station = nullptr;
     cFlow* flow = nullptr;
@@ -50,6 +49,7 @@ cBuffer* cBufferPool::take(int i_limit, bool i_wait)
         }
         if (cBuffer* buffer = sleep(lock, portFlow))
             return buffer;
+        lock.lock();
     }
 }
 
@@ -66,23 +66,25 @@ cBuffer* cBufferPool::sleep(std::unique_lock<std::mutex>& io_lock, const std::sh
     m_sleepers.push_back(&self);
     if (self.flow)
         self.flow->fallAsleep(self.thread);
-    self.woken.wait(io_lock, [&] { return self.awake; });
+    io_lock.unlock();
+    self.awake.wait(0);
     return self.buffer;
 }
 
-void cBufferPool::wake(Sleeper& io_sleeper, cBuffer* i_buffer)
+std::atomic<int>* cBufferPool::wake(Sleeper& io_sleeper, cBuffer* i_buffer)
 {
     if (io_sleeper.flow)
         io_sleeper.flow->wakeUp(io_sleeper.thread);
     io_sleeper.buffer = i_buffer;
-    io_sleeper.awake = true;
-    io_sleeper.woken.notify_one(); // under the mutex: the sleeper lives on its thread's stack
+    std::atomic<int>* const awake = &io_sleeper.awake;
+    awake->store(1);
+    return awake;
 }
 
 void cBufferPool::wakeAll()
 {
     for (Sleeper* sleeper : m_sleepers)
-        wake(*sleeper, nullptr);
+        wake(*sleeper, nullptr)->notify_one();
     m_sleepers.clear();
 }
 
@@ -130,13 +132,15 @@ void cBufferPool::strike(cBuffer* i_buffer)
 void cBufferPool::giveBack(cBuffer* i_buffer)
 {
     {
-        const std::lock_guard lock(m_mutex);
+        std::unique_lock lock(m_mutex);
         const bool pooled = i_buffer->m_pooled && !m_closed;
         if (pooled && !m_sleepers.empty() && m_count <= room()) {
             Sleeper* sleeper = m_sleepers.front();
             m_sleepers.erase(m_sleepers.begin());
             i_buffer->m_refCount.store(1, std::memory_order_relaxed);
-            wake(*sleeper, i_buffer);
+            std::atomic<int>* const awake = wake(*sleeper, i_buffer);
+            lock.unlock();
+            awake->notify_one(); // an address for the system, no more: the sleeper may have left already
             return;
         }
         if (pooled && m_count <= room()) {

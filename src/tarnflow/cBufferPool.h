@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QList>
-#include <condition_variable>
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -47,9 +47,11 @@ private:
     cBuffer* create(bool i_pooled);
     void enter(cBuffer* i_buffer);
     void strike(cBuffer* i_buffer);
+    /** Gives up the lock for good. */
     cBuffer* sleep(std::unique_lock<std::mutex>& io_lock, const std::shared_ptr<cFlow>& i_portFlow);
     void wakeAll();
-    static void wake(Sleeper& io_sleeper, cBuffer* i_buffer);
+    /** Gives a sleeper its buffer. @return what is to be notified, then or later. */
+    static std::atomic<int>* wake(Sleeper& io_sleeper, cBuffer* i_buffer);
 
     cOPortBase* const m_port;
     mutable std::mutex m_mutex; ///< guards everything below

@@ -12,6 +12,25 @@
 using graphErrors::fail;
 using graphErrors::quoted;
 
+namespace {
+/** A node that could not be started. */
+struct StartFailure {
+    QString place;
+    QString message;
+};
+
+template <class Step> void startEach(const QList<cDfpNode*>& i_nodes, Step i_step)
+{
+    for (cDfpNode* node : i_nodes) {
+        try {
+            i_step(node);
+        } catch (const std::exception& exception) {
+            throw StartFailure {node->getPathName(), QString::fromLocal8Bit(exception.what())};
+        }
+    }
+}
+} // namespace
+
 std::shared_ptr<cFlow> flowOf(const cDfpNode* i_node)
 {
     const std::lock_guard lock(cPortBase::linkMutex());
@@ -234,8 +253,7 @@ void cGraph::setEnabled(bool i_enabled)
 void cGraph::initialize(const cMapObj& i_params)
 {
     cDfpNode::initialize(i_params);
-    for (cDfpNode* node : qAsConst(m_nodes))
-        node->initialize(cMapObj());
+    startEach(m_nodes, [](cDfpNode* node) { node->initialize(cMapObj()); });
 }
 
 bool cGraph::canStart()
@@ -248,14 +266,12 @@ bool cGraph::canStart()
 
 void cGraph::start(StartReasons i_reason)
 {
-    for (cDfpNode* node : qAsConst(m_nodes))
-        node->start(i_reason);
+    startEach(m_nodes, [i_reason](cDfpNode* node) { node->start(i_reason); });
 }
 
 void cGraph::postStart(StartReasons i_reason)
 {
-    for (cDfpNode* node : qAsConst(m_nodes))
-        node->postStart(i_reason);
+    startEach(m_nodes, [i_reason](cDfpNode* node) { node->postStart(i_reason); });
 }
 
 void cGraph::stop()
@@ -300,10 +316,9 @@ bool cGraph::run(StartReasons i_reason, QList<cGraphError>* o_errors)
             m_flow->setRunning(true);
             start(i_reason);
             postStart(i_reason);
-        } catch (const std::exception& exception) {
+        } catch (const StartFailure& failure) {
             stop();
-            errors.append({getName(),
-                QStringLiteral("cannot be started: %1").arg(QString::fromLocal8Bit(exception.what())), QString()});
+            errors.append({failure.place, QStringLiteral("cannot be started: %1").arg(failure.message), QString()});
         }
     }
     if (o_errors)

@@ -16,8 +16,8 @@ cStationThread::~cStationThread()
         m_open = false;
         m_jobs.clear();
         updateWork();
-        m_wake.notify_one();
     }
+    wakeThread();
     if (m_thread.joinable())
         m_thread.join();
 }
@@ -73,18 +73,30 @@ void cStationThread::updateWork()
 
 void cStationThread::add(std::function<bool()>&& i_function, cPortGroupBase* i_group, qint64 i_stamp)
 {
-    const std::lock_guard lock(m_mutex);
-    if (!m_open)
-        return;
-    m_jobs.push_back({i_stamp, m_nextNumber++, i_group, std::move(i_function)});
-    std::push_heap(m_jobs.begin(), m_jobs.end(), isLater);
-    updateWork();
-    if (m_manual)
-        return;
-    if (!m_thread.joinable())
-        m_thread = std::thread([this] { run(); });
-    else if (m_asleep)
-        m_wake.notify_one();
+    {
+        const std::lock_guard lock(m_mutex);
+        if (!m_open)
+            return;
+        m_jobs.push_back({i_stamp, m_nextNumber++, i_group, std::move(i_function)});
+        std::push_heap(m_jobs.begin(), m_jobs.end(), isLater);
+        updateWork();
+        if (m_manual)
+            return;
+        if (!m_thread.joinable()) {
+            m_thread = std::thread([this] { run(); });
+            return;
+        }
+        if (!m_asleep)
+            return;
+        m_asleep = false; // one waking is enough
+    }
+    wakeThread(); // without the lock, which is the first thing that the thread takes
+}
+
+void cStationThread::wakeThread()
+{
+    m_wake.fetch_add(1);
+    m_wake.notify_one();
 }
 
 void cStationThread::removeGroup(cPortGroupBase* i_group)
@@ -162,7 +174,10 @@ void cStationThread::run()
     for (;;) {
         while (!m_quit && m_jobs.empty() && !m_inside) {
             m_asleep = true;
-            m_wake.wait(lock);
+            const int before = m_wake.load();
+            lock.unlock();
+            m_wake.wait(before);
+            lock.lock();
             m_asleep = false;
         }
         if (m_inside) {
@@ -191,6 +206,6 @@ void cStationThread::runInside(const std::function<void()>& i_function)
         return;
     }
     m_inside = &i_function;
-    m_wake.notify_one();
+    wakeThread();
     m_jobEnded.wait(lock, [this] { return m_inside == nullptr; });
 }

@@ -1,10 +1,11 @@
 #pragma once
 
+#include <QtGlobal>
+#include <atomic>
 #include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <QtGlobal>
 #include <thread>
 #include <vector>
 
@@ -61,10 +62,11 @@ private:
     // With m_mutex held; the lock is released while the job runs.
     void runFirst(std::unique_lock<std::mutex>& io_lock);
     void updateWork();
+    void wakeThread();
 
     cStation& m_station;
     mutable std::mutex m_mutex; ///< guards everything below
-    std::condition_variable m_wake; ///< the thread sleeps on it
+    std::atomic<int> m_wake {0}; ///< counts wakings; the thread sleeps on it, without the mutex
     std::condition_variable m_jobEnded;
     std::vector<Job> m_jobs; ///< a heap, the first job on top
     std::thread m_thread;

@@ -1,18 +1,9 @@
 #include "testStations.h"
 
 #include <gtest/gtest.h>
-#include <tarnbase/cTypeConverter.h>
 #include <tarnflow/cGraph.h>
 
 #include <QPointer>
-
-template <> struct cValueConversion<int, double> {
-    static bool convert(const int& i_source, double& o_target)
-    {
-        o_target = i_source;
-        return true;
-    }
-};
 
 namespace {
 struct Node : cStation {
@@ -138,7 +129,6 @@ TEST_F(SubgraphTest, NestsWithoutLimit)
 
 TEST_F(SubgraphTest, ConvertsAtTheBoundary)
 {
-    static const cTypeConverter<int, double> s_converter(true);
     auto& numbers = addTo(graph, "numbers", new cStation());
     auto* out = new cOPort<int>(&numbers, "out"_q, 5);
     ASSERT_TRUE(inner.exportInport("add.in"_q, "in"_q));

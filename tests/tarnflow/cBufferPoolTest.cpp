@@ -76,10 +76,10 @@ TEST(cBufferPool, KeepsABufferUntilItsLastHolderGivesItBack)
 
 TEST(cBufferPool, AnUnattachedPortGivesNothingAndWaitsForNothing)
 {
+    Node node(1);
     cOPort<int> port;
     EXPECT_EQ(port.getPoolLimit(), 0);
     EXPECT_EQ(port.getFreeBuffer(true), nullptr);
-    Node node(1);
     port.init(&node, "late"_q, 0);
     EXPECT_EQ(port.getPoolLimit(), 2147483647);
     EXPECT_EQ(port.getName(), "late"_q);

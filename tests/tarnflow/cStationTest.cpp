@@ -114,7 +114,11 @@ TEST_F(JobTest, StopWaitsForTheRunningOneAndDropsTheOthers)
         nullptr, 1);
     add(2, 2);
     ASSERT_TRUE(begun.pass());
-    std::thread opener([&] { goOn.open(); });
+    std::thread opener([&] {
+        while (station.getQueuedJobCount() > 0) // until stop has dropped it
+            std::this_thread::yield();
+        goOn.open();
+    });
     station.stop();
     EXPECT_TRUE(ended);
     EXPECT_TRUE(done.empty());
