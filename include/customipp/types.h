@@ -105,7 +105,7 @@ enum IppiBorderType CUSTOMIPP_INT_ENUM {
     ippBorderConst = 0,
     ippBorderRepl = 1,
     ippBorderWrap = 2,
-    ippBorderMirror = 3,  /* the edge pixel is not repeated: 2 1 [0 1 2 */
+    ippBorderMirror = 3, /* the edge pixel is not repeated: 2 1 [0 1 2 */
     ippBorderMirrorR = 4, /* the edge pixel is repeated: 1 0 [0 1 2 */
     ippBorderDefault = 5,
     ippBorderTransp = 7,
@@ -137,8 +137,8 @@ enum IppCmpOp CUSTOMIPP_INT_ENUM {
 typedef enum IppCmpOp IppCmpOp;
 
 enum IppRoundMode CUSTOMIPP_INT_ENUM {
-    ippRndZero = 0,      /* toward zero */
-    ippRndNear = 1,      /* to nearest, ties to even */
+    ippRndZero = 0, /* toward zero */
+    ippRndNear = 1, /* to nearest, ties to even */
     ippRndFinancial = 2, /* to nearest, ties away from zero */
     ippRndHintAccurate = 16
 };

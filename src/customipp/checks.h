@@ -5,8 +5,9 @@
 #include <initializer_list>
 
 /**
- * The argument checks of every function, in their fixed order: pointers, sizes, steps; then, in the functions that ask
- * for it, whether a step holds a row and is a multiple of the element. What else a function tests comes after these.
+ * The argument checks of every function, in their fixed order: pointers, sizes, steps; then, in the functions
+ * that ask for it, whether a step holds a row and is a multiple of the element. What else a function tests
+ * comes after these.
  */
 namespace customipp {
 
@@ -36,7 +37,7 @@ struct StepOf {
 inline IppStatus checkStrictSteps(int width, std::initializer_list<StepOf> images)
 {
     for (const StepOf& image : images)
-        if (image.step < int64_t{width} * image.pixelBytes)
+        if (image.step < int64_t {width} * image.pixelBytes)
             return ippStsStepErr;
     for (const StepOf& image : images)
         if (image.step % image.elementBytes != 0)

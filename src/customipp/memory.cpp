@@ -14,17 +14,8 @@ void* ippMalloc(int length)
     return std::aligned_alloc(s_alignment, (blocks ? blocks : 1) * s_alignment);
 }
 
-Ipp8u* ippsMalloc_8u(int len)
-{
-    return static_cast<Ipp8u*>(ippMalloc(len));
-}
+Ipp8u* ippsMalloc_8u(int len) { return static_cast<Ipp8u*>(ippMalloc(len)); }
 
-void ippFree(void* ptr)
-{
-    std::free(ptr);
-}
+void ippFree(void* ptr) { std::free(ptr); }
 
-void ippsFree(void* ptr)
-{
-    std::free(ptr);
-}
+void ippsFree(void* ptr) { std::free(ptr); }

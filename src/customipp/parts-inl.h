@@ -1,7 +1,8 @@
 // Integer vectors as floats or doubles, and back. Compiled once for every target.
 //
-// A vector of narrow integers is taken as lanes of the float type's width, each of which holds several of them. Part p
-// is the p-th integer of every lane: parts are taken out and put back by shifts, without a shuffle.
+// A vector of narrow integers is taken as lanes of the float type's width, each of which holds several of
+// them. Part p is the p-th integer of every lane: parts are taken out and put back by shifts, without a
+// shuffle.
 
 #if defined(CUSTOMIPP_PARTS_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #ifdef CUSTOMIPP_PARTS_INL_H_
@@ -17,15 +18,14 @@ namespace customipp {
 namespace HWY_NAMESPACE {
 namespace {
 
-template <class T, class F>
-inline constexpr int partsOf = static_cast<int>(sizeof(F) / sizeof(T));
+template <class T, class F> inline constexpr int partsOf = static_cast<int>(sizeof(F) / sizeof(T));
 
-/** Added to an integer of less than 51 bits this leaves it in the low bits of the double, rounded to nearest. */
+/** Added to an integer of less than 51 bits this leaves it in the low bits of the double, rounded to nearest.
+ */
 inline constexpr double integerInDouble = 6755399441055744.0; // 1.5 * 2^52
 
 /** Part of a vector of 8-bit or 16-bit integers as floats of type F. */
-template <class F, int Part, class D, class V>
-HWY_INLINE auto floatsOf(D, V v)
+template <class F, int Part, class D, class V> HWY_INLINE auto floatsOf(D, V v)
 {
     using T = hn::TFromD<D>;
     const hn::Repartition<F, D> dFloat;
@@ -45,8 +45,9 @@ HWY_INLINE auto floatsOf(D, V v)
         if constexpr (sizeof(F) == 4) {
             return hn::ConvertTo(dFloat, hn::BitCast(dSigned, bits));
         } else {
-            // There is no conversion of 64-bit integers below AVX-512: the integer becomes the low bits of 2^52 plus it.
-            // A signed one is moved into the positive range before, and back by the subtraction.
+            // There is no conversion of 64-bit integers below AVX-512: the integer becomes the low bits of
+            // 2^52 plus it. A signed one is moved into the positive range before, and back by the
+            // subtraction.
             constexpr bool isSigned = hwy::IsSigned<T>();
             constexpr Bits exponent = Bits {0x4330} << 48;
             constexpr Bits flip = exponent | (isSigned ? Bits {1} << (bitsOf<T> - 1) : Bits {0});
@@ -57,8 +58,7 @@ HWY_INLINE auto floatsOf(D, V v)
 }
 
 /** Floats limited to the range of an integer type. */
-template <class T, class V>
-HWY_INLINE V limited(V v)
+template <class T, class V> HWY_INLINE V limited(V v)
 {
     const hn::DFromV<V> d;
     using F = hn::TFromD<decltype(d)>;
@@ -69,8 +69,7 @@ HWY_INLINE V limited(V v)
 }
 
 /** Floats, limited before, rounded to nearest with ties to even, and at their place; 0 in the other parts. */
-template <class T, int Part, class V>
-HWY_INLINE auto roundedPart(V v)
+template <class T, int Part, class V> HWY_INLINE auto roundedPart(V v)
 {
     const hn::DFromV<V> dFloat;
     using F = hn::TFromD<decltype(dFloat)>;

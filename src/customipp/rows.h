@@ -7,9 +7,9 @@
 
 namespace customipp {
 
-/** An image as the caller describes it: first pixel and distance of the rows in bytes, both without any alignment. */
-template <class T>
-struct Rows {
+/** An image as the caller describes it: first pixel and distance of the rows in bytes, both without any
+ * alignment. */
+template <class T> struct Rows {
     T* first;
     int step;
 
@@ -27,11 +27,10 @@ struct Extent {
 };
 
 /**
- * The extent of a region, as one long row when every image is without padding. A step shorter than a row is left as it
- * is: there the rows overlap and are done one after the other.
+ * The extent of a region, as one long row when every image is without padding. A step shorter than a row is
+ * left as it is: there the rows overlap and are done one after the other.
  */
-template <class... T>
-Extent extentOf(IppiSize size, int channels, const Rows<T>&... images)
+template <class... T> Extent extentOf(IppiSize size, int channels, const Rows<T>&... images)
 {
     const size_t lanes = static_cast<size_t>(size.width) * static_cast<size_t>(channels);
     const size_t rows = static_cast<size_t>(size.height);

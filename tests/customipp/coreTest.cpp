@@ -6,12 +6,12 @@
 #include <cstring>
 #include <string>
 
-extern "C" int statusFromC(void);
+extern "C" int sumFromC(int left, int right);
 
 TEST(core, EveryStatusHasItsText)
 {
-#define CUSTOMIPP_STATUS(value, name, text) \
-    EXPECT_EQ(name, value); \
+#define CUSTOMIPP_STATUS(value, name, text)                                                                  \
+    EXPECT_EQ(name, value);                                                                                  \
     EXPECT_STREQ(ippGetStatusString(name), text);
 #include <customipp/status.def>
 #undef CUSTOMIPP_STATUS
@@ -56,5 +56,6 @@ TEST(core, NegativeLengthGivesNoMemoryAndNullIsReleased)
 
 TEST(core, CCodeCallsTheLibrary)
 {
-    EXPECT_EQ(statusFromC(), ippStsNullPtrErr);
+    EXPECT_EQ(sumFromC(200, 50), 250);
+    EXPECT_EQ(sumFromC(200, 100), 255);
 }

@@ -12,8 +12,8 @@
 #include <vector>
 
 /**
- * How an image lies in memory. The step is the row's bytes plus the padding, which may be odd, or negative for rows
- * that overlap; the offset shifts the first pixel from a 64-byte boundary.
+ * How an image lies in memory. The step is the row's bytes plus the padding, which may be odd, or negative
+ * for rows that overlap; the offset shifts the first pixel from a 64-byte boundary.
  */
 struct Layout {
     int padding = 0;
@@ -23,19 +23,27 @@ struct Layout {
 /** The layouts that every pixel function must take: dense, padded, odd steps, unaligned starts. */
 inline const std::vector<Layout>& everyLayout()
 {
-    static const std::vector<Layout> s_layouts{{0, 0}, {0, 3}, {7, 1}, {64, 0}, {13, 64 - 5}};
+    static const std::vector<Layout> s_layouts {
+        {0,  0     },
+        {0,  3     },
+        {7,  1     },
+        {64, 0     },
+        {13, 64 - 5}
+    };
     return s_layouts;
 }
 
 /**
- * An image for tests of the pixel layer: rows of lanes (a lane is one channel of one pixel), at any address and step.
- * All bytes around and between the rows are canaries. Pixels go through memcpy, so that no alignment is assumed.
+ * An image for tests of the pixel layer: rows of lanes (a lane is one channel of one pixel), at any address
+ * and step. All bytes around and between the rows are canaries. Pixels go through memcpy, so that no
+ * alignment is assumed.
  */
-template <class T>
-class Plane {
+template <class T> class Plane {
 public:
     Plane(int i_lanes, int i_rows, Layout i_layout = {})
-        : m_lanes(i_lanes), m_rows(i_rows), m_step(int(i_lanes * int(sizeof(T))) + i_layout.padding),
+        : m_lanes(i_lanes),
+          m_rows(i_rows),
+          m_step(int(i_lanes * int(sizeof(T))) + i_layout.padding),
           m_bytes(s_frame + 64 + i_layout.offset + size_t(m_step) * size_t(i_rows - 1) + rowBytes() + s_frame)
     {
         for (size_t i = 0; i < m_bytes.size(); ++i)
@@ -65,8 +73,7 @@ public:
     }
 
     /** Sets lane after lane, row after row, to what the function returns. */
-    template <class Function>
-    void fill(Function&& i_next)
+    template <class Function> void fill(Function&& i_next)
     {
         for (int y = 0; y < m_rows; ++y)
             for (int x = 0; x < m_lanes; ++x)
@@ -89,9 +96,9 @@ public:
                 owned[place(0, y) + i] = true;
         for (size_t i = 0; i < m_bytes.size(); ++i)
             if (!owned[i] && m_bytes[i] != canary(i))
-                return ::testing::AssertionFailure()
-                    << "byte " << ptrdiff_t(i) - ptrdiff_t(m_start) << " from the first pixel was written (rows of "
-                    << rowBytes() << " bytes, step " << m_step << ")";
+                return ::testing::AssertionFailure() << "byte " << ptrdiff_t(i) - ptrdiff_t(m_start)
+                                                     << " from the first pixel was written (rows of "
+                                                     << rowBytes() << " bytes, step " << m_step << ")";
         return ::testing::AssertionSuccess();
     }
 
@@ -113,8 +120,7 @@ private:
 };
 
 /** Fixed-seed values of a pixel type: the extremes and small values often, else anything in range. */
-template <class T>
-class PixelSource {
+template <class T> class PixelSource {
 public:
     explicit PixelSource(unsigned i_seed = 1) : m_random(i_seed) {}
     T operator()()
@@ -139,8 +145,7 @@ private:
 };
 
 /** Equal as pixels: the same bits, or both not a number. */
-template <class T>
-bool samePixel(T i_left, T i_right)
+template <class T> bool samePixel(T i_left, T i_right)
 {
     if constexpr (std::is_floating_point_v<T>)
         if (i_left != i_left && i_right != i_right)
@@ -149,8 +154,7 @@ bool samePixel(T i_left, T i_right)
 }
 
 /** Whether two planes hold the same pixels; reports place and values of the first five differences. */
-template <class T>
-::testing::AssertionResult samePixels(const Plane<T>& i_actual, const Plane<T>& i_expected)
+template <class T>::testing::AssertionResult samePixels(const Plane<T>& i_actual, const Plane<T>& i_expected)
 {
     std::string text;
     int count = 0;
@@ -162,18 +166,18 @@ template <class T>
                     + std::to_string(actual) + ", should be " + std::to_string(expected);
     if (!count)
         return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure() << count << " of " << i_expected.lanes() * i_expected.rows()
-                                         << " lanes differ" << text;
+    return ::testing::AssertionFailure()
+        << count << " of " << i_expected.lanes() * i_expected.rows() << " lanes differ" << text;
 }
 
 /** The row lengths and heights of every pixel test, round the widths of the vectors. */
 inline const std::vector<int>& everyWidth()
 {
-    static const std::vector<int> s_widths{1, 2, 3, 15, 16, 17, 31, 33, 63, 64, 65, 130};
+    static const std::vector<int> s_widths {1, 2, 3, 15, 16, 17, 31, 33, 63, 64, 65, 130};
     return s_widths;
 }
 inline const std::vector<int>& everyHeight()
 {
-    static const std::vector<int> s_heights{1, 2, 5};
+    static const std::vector<int> s_heights {1, 2, 5};
     return s_heights;
 }

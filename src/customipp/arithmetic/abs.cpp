@@ -14,8 +14,7 @@ namespace HWY_NAMESPACE {
 namespace {
 
 struct Magnitude : PlainOperation {
-    template <class D, class V>
-    HWY_INLINE V operator()(D d, V v) const
+    template <class D, class V> HWY_INLINE V operator()(D d, V v) const
     {
         if constexpr (hwy::IsFloat<hn::TFromD<D>>())
             return hn::Abs(v);
@@ -25,8 +24,7 @@ struct Magnitude : PlainOperation {
 };
 
 struct MagnitudeOfDifference : PlainOperation {
-    template <class D, class V>
-    HWY_INLINE V operator()(D, V a, V b) const
+    template <class D, class V> HWY_INLINE V operator()(D, V a, V b) const
     {
         if constexpr (hwy::IsFloat<hn::TFromD<D>>())
             return hn::Abs(hn::Sub(a, b));

@@ -13,51 +13,38 @@ namespace customipp {
 namespace HWY_NAMESPACE {
 namespace {
 
-/** The pixels from a place on as floats, as many as a vector of floats has lanes. */
-template <class T>
-HWY_INLINE auto loadFloats(const T* pixels)
-{
-    const hn::ScalableTag<float> d;
-    if constexpr (hwy::IsFloat<T>()) {
-        return hn::LoadU(d, pixels);
-    } else {
-        const hn::Rebind<T, decltype(d)> dPixels;
-        const hn::Rebind<int32_t, decltype(d)> dInts;
-        return hn::ConvertTo(d, hn::PromoteTo(dInts, hn::LoadU(dPixels, pixels)));
-    }
-}
-
 /** The sums are not fused with the products: both are rounded to float, on every processor. */
-template <class T>
-struct SumOfProducts {
+template <class T> struct SumOfProducts {
     static constexpr size_t period = 1;
     static constexpr size_t granularity = 1;
     using D = hn::ScalableTag<float>;
+    using Pixels = hn::Rebind<T, D>;
     const T* first;
     const T* second;
     const float* sums;
 
-    struct Copies {
-        ShortRow<T, D> first;
-        ShortRow<T, D> second;
-        ShortRow<float, D> sums;
-    };
-    HWY_INLINE void takeOver(Copies& copies, size_t lanes)
+    HWY_INLINE hn::Vec<D> end(size_t i, size_t lanes)
     {
-        copies.first.takeOver(first, lanes);
-        copies.second.takeOver(second, lanes);
-        copies.sums.takeOver(sums, lanes);
+        const RowEnds<Pixels> ends(lanes);
+        return sum(ends.load(first + i), ends.load(second + i), RowEnds<D>(lanes).load(sums + i));
     }
-    HWY_INLINE hn::Vec<D> anywhere(size_t i)
+    HWY_INLINE void start(size_t) {}
+    template <size_t J> HWY_INLINE hn::Vec<D> at(size_t i)
     {
-        const auto product = hn::Mul(loadFloats(first + i), loadFloats(second + i));
-        return hn::Add(hn::LoadU(D(), sums + i), product);
+        return sum(hn::LoadU(Pixels(), first + i), hn::LoadU(Pixels(), second + i), hn::LoadU(D(), sums + i));
     }
-    HWY_INLINE void start(size_t) { }
-    template <size_t J>
-    HWY_INLINE hn::Vec<D> at(size_t i)
+
+private:
+    static HWY_INLINE hn::Vec<D> sum(hn::Vec<Pixels> a, hn::Vec<Pixels> b, hn::Vec<D> before)
     {
-        return anywhere(i);
+        return hn::Add(before, hn::Mul(floats(a), floats(b)));
+    }
+    static HWY_INLINE hn::Vec<D> floats(hn::Vec<Pixels> pixels)
+    {
+        if constexpr (hwy::IsFloat<T>())
+            return pixels;
+        else
+            return hn::ConvertTo(D(), hn::PromoteTo(hn::Rebind<int32_t, D>(), pixels));
     }
 };
 
@@ -65,7 +52,7 @@ template <class T>
 IppStatus addProducts(Rows<const T> first, Rows<const T> second, Rows<float> sums, Extent extent)
 {
     for (size_t y = 0; y < extent.rows; ++y)
-        storeRow(SumOfProducts<T>{first.row(y), second.row(y), sums.row(y)}, sums.row(y), extent.lanes);
+        storeRow(SumOfProducts<T> {first.row(y), second.row(y), sums.row(y)}, sums.row(y), extent.lanes);
     return ippStsNoErr;
 }
 
@@ -73,7 +60,7 @@ IppStatus addProducts(Rows<const T> first, Rows<const T> second, Rows<float> sum
 
 const auto& accumulatedProducts()
 {
-    static constexpr AccumulateKernels<Ipp8u, Ipp16u, Ipp32f> s_kernels{
+    static constexpr AccumulateKernels<Ipp8u, Ipp16u, Ipp32f> s_kernels {
         addProducts<Ipp8u>, addProducts<Ipp16u>, addProducts<Ipp32f>};
     return s_kernels;
 }

@@ -14,11 +14,9 @@ namespace HWY_NAMESPACE {
 namespace {
 
 struct Sum {
-    template <class T>
-    static constexpr int valueBits = bitsOf<T> + 1;
+    template <class T> static constexpr int valueBits = bitsOf<T> + 1;
 
-    template <class D, class V>
-    static HWY_INLINE V saturated(D, V a, V b)
+    template <class D, class V> static HWY_INLINE V saturated(D, V a, V b)
     {
         if constexpr (hwy::IsFloat<hn::TFromD<D>>())
             return hn::Add(a, b);
@@ -26,8 +24,7 @@ struct Sum {
             return hn::SaturatedAdd(a, b);
     }
 
-    template <class D, class V>
-    static HWY_INLINE auto wide(D d, V a, V b)
+    template <class D, class V> static HWY_INLINE auto wide(D d, V a, V b)
     {
         using Wide = hwy::MakeSigned<hwy::MakeWide<hn::TFromD<D>>>;
         const auto x = widen<Wide>(d, a);
@@ -35,7 +32,6 @@ struct Sum {
         return EvenOdd<decltype(x.even)> {hn::Add(x.even, y.even), hn::Add(x.odd, y.odd)};
     }
 };
-
 
 } // namespace
 

@@ -13,11 +13,11 @@ namespace customipp {
 namespace HWY_NAMESPACE {
 namespace {
 
-// Floats are compared, as Min and Max of the processors differ in what they make of NaN and of the signs of zero.
+// Floats are compared, as Min and Max of the processors differ in what they make of NaN and of the signs of
+// zero.
 
 struct Lesser : PlainOperation {
-    template <class D, class V>
-    HWY_INLINE V operator()(D, V source, V kept) const
+    template <class D, class V> HWY_INLINE V operator()(D, V source, V kept) const
     {
         if constexpr (hwy::IsFloat<hn::TFromD<D>>())
             return hn::IfThenElse(hn::Lt(source, kept), source, kept);
@@ -27,8 +27,7 @@ struct Lesser : PlainOperation {
 };
 
 struct Greater : PlainOperation {
-    template <class D, class V>
-    HWY_INLINE V operator()(D, V source, V kept) const
+    template <class D, class V> HWY_INLINE V operator()(D, V source, V kept) const
     {
         if constexpr (hwy::IsFloat<hn::TFromD<D>>())
             return hn::IfThenElse(hn::Gt(source, kept), source, kept);

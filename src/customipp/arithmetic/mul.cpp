@@ -13,18 +13,15 @@ namespace customipp {
 namespace HWY_NAMESPACE {
 namespace {
 
-template <class Low, class High>
-struct LowHigh {
+template <class Low, class High> struct LowHigh {
     Low low;
     High high;
 };
 
 struct Product {
-    template <class T>
-    static constexpr int valueBits = 2 * bitsOf<T> - (hwy::IsSigned<T>() ? 1 : 0);
+    template <class T> static constexpr int valueBits = 2 * bitsOf<T> - (hwy::IsSigned<T>() ? 1 : 0);
 
-    template <class D, class V>
-    static HWY_INLINE V saturated(D d, V a, V b)
+    template <class D, class V> static HWY_INLINE V saturated(D d, V a, V b)
     {
         using T = hn::TFromD<D>;
         if constexpr (hwy::IsFloat<T>()) {
@@ -43,15 +40,13 @@ struct Product {
         }
     }
 
-    template <class D, class V>
-    static HWY_INLINE auto halves(D, V a, V b)
+    template <class D, class V> static HWY_INLINE auto halves(D, V a, V b)
     {
         const hn::RebindToUnsigned<D> dLow;
         return LowHigh<hn::Vec<decltype(dLow)>, V> {hn::BitCast(dLow, hn::Mul(a, b)), hn::MulHigh(a, b)};
     }
 
-    template <class D, class V>
-    static HWY_INLINE auto wide(D d, V a, V b)
+    template <class D, class V> static HWY_INLINE auto wide(D d, V a, V b)
     {
         using T = hn::TFromD<D>;
         using Wide = hwy::MakeWide<T>;
@@ -73,7 +68,6 @@ struct Product {
         }
     }
 };
-
 
 } // namespace
 

@@ -15,11 +15,9 @@ namespace {
 
 /** The first operand is the subtrahend. */
 struct Difference {
-    template <class T>
-    static constexpr int valueBits = bitsOf<T> + 1;
+    template <class T> static constexpr int valueBits = bitsOf<T> + 1;
 
-    template <class D, class V>
-    static HWY_INLINE V saturated(D, V subtrahend, V minuend)
+    template <class D, class V> static HWY_INLINE V saturated(D, V subtrahend, V minuend)
     {
         if constexpr (hwy::IsFloat<hn::TFromD<D>>())
             return hn::Sub(minuend, subtrahend);
@@ -27,8 +25,7 @@ struct Difference {
             return hn::SaturatedSub(minuend, subtrahend);
     }
 
-    template <class D, class V>
-    static HWY_INLINE auto wide(D d, V subtrahend, V minuend)
+    template <class D, class V> static HWY_INLINE auto wide(D d, V subtrahend, V minuend)
     {
         using Wide = hwy::MakeSigned<hwy::MakeWide<hn::TFromD<D>>>;
         const auto x = widen<Wide>(d, minuend);
@@ -36,7 +33,6 @@ struct Difference {
         return EvenOdd<decltype(x.even)> {hn::Sub(x.even, y.even), hn::Sub(x.odd, y.odd)};
     }
 };
-
 
 } // namespace
 

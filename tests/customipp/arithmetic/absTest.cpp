@@ -5,18 +5,18 @@
 namespace {
 
 /** Runs each case once for every instruction set that is compiled in. */
-class absTest : public hwy::TestWithParamTarget { };
+class absTest : public hwy::TestWithParamTarget {};
 HWY_TARGET_INSTANTIATE_TEST_SUITE_P(absTest);
 
-template <class T, class Function>
-void expectMagnitudes(const char* i_symbol, Function i_function)
+template <class T, class Function> void expectMagnitudes(const char* i_symbol, Function i_function)
 {
     PixelSource<T> random;
     pointwise::forEveryGeometry([&](IppiSize size, size_t layout, unsigned) {
-        SCOPED_TRACE(std::string(i_symbol) + " " + std::to_string(size.width) + " x " + std::to_string(size.height)
-            + ", layout " + std::to_string(layout));
+        SCOPED_TRACE(std::string(i_symbol) + " " + std::to_string(size.width) + " x "
+            + std::to_string(size.height) + ", layout " + std::to_string(layout));
         Plane<T> source(size.width, size.height, pointwise::layoutAt(layout));
-        Plane<T> out(size.width, size.height, pointwise::layoutAt(layout + 1)), expected(size.width, size.height);
+        Plane<T> out(size.width, size.height, pointwise::layoutAt(layout + 1)),
+            expected(size.width, size.height);
         source.fill(random);
         for (int y = 0; y < size.height; ++y)
             for (int x = 0; x < size.width; ++x)
@@ -37,8 +37,14 @@ void expectMagnitudesOfDifferences(const char* i_symbol, int i_channels, Functio
     PixelSource<T> random;
     for (const int width : everyWidth())
         for (const int height : everyHeight())
-            for (const Layout layout : {Layout{0, 0}, Layout{0, 3}, Layout{12, 1}, Layout{64, 0}}) {
-                SCOPED_TRACE(std::string(i_symbol) + " " + std::to_string(width) + " x " + std::to_string(height));
+            for (const Layout layout : {
+                     Layout {0,  0},
+                      Layout {0,  3},
+                      Layout {12, 1},
+                      Layout {64, 0}
+            }) {
+                SCOPED_TRACE(
+                    std::string(i_symbol) + " " + std::to_string(width) + " x " + std::to_string(height));
                 const int lanes = width * i_channels;
                 Plane<T> a(lanes, height, layout), b(lanes, height, {4, 5}), out(lanes, height, layout);
                 Plane<T> expected(lanes, height);
@@ -47,11 +53,13 @@ void expectMagnitudesOfDifferences(const char* i_symbol, int i_channels, Functio
                 for (int y = 0; y < height; ++y)
                     for (int x = 0; x < lanes; ++x)
                         expected.set(x, y, oracle::AbsDiff::pixel<T>(a.get(x, y), b.get(x, y)));
-                const IppiSize size{width, height};
-                ASSERT_EQ(i_function(a.data(), a.step(), b.data(), b.step(), out.data(), out.step(), size), ippStsNoErr);
+                const IppiSize size {width, height};
+                ASSERT_EQ(i_function(a.data(), a.step(), b.data(), b.step(), out.data(), out.step(), size),
+                    ippStsNoErr);
                 ASSERT_TRUE(samePixels(out, expected));
                 ASSERT_TRUE(out.frameIsIntact() && a.frameIsIntact() && b.frameIsIntact());
-                ASSERT_EQ(i_function(a.data(), a.step(), b.data(), b.step(), a.data(), a.step(), size), ippStsNoErr);
+                ASSERT_EQ(i_function(a.data(), a.step(), b.data(), b.step(), a.data(), a.step(), size),
+                    ippStsNoErr);
                 ASSERT_TRUE(samePixels(a, expected)) << "first source is the destination";
             }
 }
@@ -60,11 +68,10 @@ void expectMagnitudesOfDifferences(const char* i_symbol, int i_channels, Functio
 #define CUSTOMIPP_UNARY(symbol, op, T, channels) expectMagnitudes<T>(#symbol, symbol);
 
 #undef CUSTOMIPP_BINARY_STRICT
-#define CUSTOMIPP_BINARY_STRICT(symbol, op, T, channels) \
+#define CUSTOMIPP_BINARY_STRICT(symbol, op, T, channels)                                                     \
     expectMagnitudesOfDifferences<T>(#symbol, channels, symbol);
 
-TEST_P(absTest, EveryVariantGivesTheOraclesPixels)
-{
+TEST_P(absTest, EveryVariantGivesTheOraclesPixels) {
 #include <customipp/abs.def>
 #include <customipp/absDiff.def>
 }

@@ -5,19 +5,24 @@
 namespace {
 
 /** Runs each case once for every instruction set that is compiled in. */
-class accumulateTest : public hwy::TestWithParamTarget { };
+class accumulateTest : public hwy::TestWithParamTarget {};
 HWY_TARGET_INSTANTIATE_TEST_SUITE_P(accumulateTest);
 
 /** call(src1, step, src2, step, sums, step, size); squares take one source for both. */
-template <class T, class Call>
-void expectSums(const char* i_symbol, bool i_square, Call&& i_call)
+template <class T, class Call> void expectSums(const char* i_symbol, bool i_square, Call&& i_call)
 {
     PixelSource<T> random;
     PixelSource<float> randomSum(9);
     for (const int width : everyWidth())
         for (const int height : everyHeight())
-            for (const Layout layout : {Layout{0, 0}, Layout{0, 3}, Layout{12, 1}, Layout{64, 0}}) {
-                SCOPED_TRACE(std::string(i_symbol) + " " + std::to_string(width) + " x " + std::to_string(height));
+            for (const Layout layout : {
+                     Layout {0,  0},
+                      Layout {0,  3},
+                      Layout {12, 1},
+                      Layout {64, 0}
+            }) {
+                SCOPED_TRACE(
+                    std::string(i_symbol) + " " + std::to_string(width) + " x " + std::to_string(height));
                 Plane<T> a(width, height, layout), b(width, height, {4, 5});
                 Plane<float> sums(width, height, layout), start(width, height), expected(width, height);
                 a.fill(random);
@@ -30,8 +35,9 @@ void expectSums(const char* i_symbol, bool i_square, Call&& i_call)
                         expected.set(x, y, start.get(x, y) + product);
                     }
                 sums.copyFrom(start);
-                const IppiSize size{width, height};
-                ASSERT_EQ(i_call(a.data(), a.step(), b.data(), b.step(), sums.data(), sums.step(), size), ippStsNoErr);
+                const IppiSize size {width, height};
+                ASSERT_EQ(i_call(a.data(), a.step(), b.data(), b.step(), sums.data(), sums.step(), size),
+                    ippStsNoErr);
                 ASSERT_TRUE(samePixels(sums, expected));
                 ASSERT_TRUE(sums.frameIsIntact() && a.frameIsIntact() && b.frameIsIntact());
 
@@ -45,17 +51,17 @@ void expectSums(const char* i_symbol, bool i_square, Call&& i_call)
 }
 
 #undef CUSTOMIPP_ACCUMULATE_BINARY
-#define CUSTOMIPP_ACCUMULATE_BINARY(symbol, op, T) \
+#define CUSTOMIPP_ACCUMULATE_BINARY(symbol, op, T)                                                           \
     expectSums<T>(#symbol, false, [](auto... arguments) { return symbol(arguments...); });
 
 #undef CUSTOMIPP_ACCUMULATE_UNARY
-#define CUSTOMIPP_ACCUMULATE_UNARY(symbol, op, T) \
-    expectSums<T>(#symbol, true, [](auto* a, int aStep, auto*, int, auto* sums, int sumsStep, IppiSize size) { \
-        return symbol(a, aStep, sums, sumsStep, size); \
-    });
+#define CUSTOMIPP_ACCUMULATE_UNARY(symbol, op, T)                                                            \
+    expectSums<T>(                                                                                           \
+        #symbol, true, [](auto* a, int aStep, auto*, int, auto* sums, int sumsStep, IppiSize size) {         \
+            return symbol(a, aStep, sums, sumsStep, size);                                                   \
+        });
 
-TEST_P(accumulateTest, EveryVariantGivesTheOraclesPixels)
-{
+TEST_P(accumulateTest, EveryVariantGivesTheOraclesPixels) {
 #include <customipp/addProduct.def>
 #include <customipp/addSquare.def>
 }

@@ -5,11 +5,10 @@
 namespace {
 
 /** Runs each case once for every instruction set that is compiled in. */
-class addTest : public hwy::TestWithParamTarget { };
+class addTest : public hwy::TestWithParamTarget {};
 HWY_TARGET_INSTANTIATE_TEST_SUITE_P(addTest);
 
-TEST_P(addTest, EveryVariantGivesTheOraclesPixels)
-{
+TEST_P(addTest, EveryVariantGivesTheOraclesPixels) {
 #include <customipp/add.def>
 #include <customipp/addC.def>
 }
@@ -27,7 +26,7 @@ TEST_P(addTest, EveryByteWithEveryConstantGivesTheOraclesPixel)
 
 TEST_P(addTest, EveryWordGivesTheOraclesPixel)
 {
-    const std::vector<int> factors{0, 1, 2, 7, 8, 16, 17, 18, 24, 31, 32, 33, 34, -1, -2, -8, -15, -16, -17};
+    const std::vector<int> factors {0, 1, 2, 7, 8, 16, 17, 18, 24, 31, 32, 33, 34, -1, -2, -8, -15, -16, -17};
     pointwise::expectEveryPixel<oracle::AddC, Ipp16u>(
         {0, 1, 2, 3, 255, 256, 257, 32767, 32768, 39322, 52429, 65280, 65535}, factors, ippiAddC_16u_C1RSfs);
     pointwise::expectEveryPixel<oracle::AddC, Ipp16s>(
@@ -36,7 +35,8 @@ TEST_P(addTest, EveryWordGivesTheOraclesPixel)
 
 TEST_P(addTest, HalvesAreRoundedToEven)
 {
-    const auto half = [](int a, int b) { return pointwise::onePixel<Ipp8u>(ippiAdd_8u_C1RSfs, Ipp8u(a), Ipp8u(b), 1); };
+    const auto half
+        = [](int a, int b) { return pointwise::onePixel<Ipp8u>(ippiAdd_8u_C1RSfs, Ipp8u(a), Ipp8u(b), 1); };
     EXPECT_EQ(half(1, 0), 0);
     EXPECT_EQ(half(1, 2), 2);
     EXPECT_EQ(half(2, 3), 2);

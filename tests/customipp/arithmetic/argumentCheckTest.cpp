@@ -1,4 +1,5 @@
-// The order of the argument checks, for every function of the family: null pointers, then the size, then the steps.
+// The order of the argument checks, for every function of the family: null pointers, then the size, then the
+// steps.
 #include <customipp/customipp.h>
 
 #include <gtest/gtest.h>
@@ -11,8 +12,7 @@
 namespace {
 
 /** The arguments of one call; a test spoils some of them. */
-template <class T, class Out = T>
-struct Arguments {
+template <class T, class Out = T> struct Arguments {
     Arguments()
     {
         for (int i = 0; i < 64; ++i)
@@ -25,7 +25,7 @@ struct Arguments {
     // Pointers in the order src1, src2 or values, dst; steps likewise.
     bool present[3] = {true, true, true};
     int steps[3] = {4 * sizeof(T), 4 * sizeof(T), 4 * sizeof(Out)};
-    IppiSize size{1, 2};
+    IppiSize size {1, 2};
 
     const T* src1() const { return present[0] ? first : nullptr; }
     const T* src2() const { return present[1] ? second : nullptr; }
@@ -63,9 +63,15 @@ void expectOrder(const char* i_symbol, Uses i_uses, const std::function<IppStatu
         if (i_uses.pointers >> image & 1) {
             A arguments = allWrong;
             arguments.present[image] = false;
-            expectStatus(arguments, ippStsNullPtrErr, "null pointer " + std::to_string(image) + " before all else");
+            expectStatus(
+                arguments, ippStsNullPtrErr, "null pointer " + std::to_string(image) + " before all else");
         }
-    for (const IppiSize size : {IppiSize{0, 1}, IppiSize{1, 0}, IppiSize{-1, 1}, IppiSize{1, -1}}) {
+    for (const IppiSize size : {
+             IppiSize {0,  1 },
+              IppiSize {1,  0 },
+              IppiSize {-1, 1 },
+              IppiSize {1,  -1}
+    }) {
         A arguments = allWrong;
         arguments.size = size;
         expectStatus(arguments, ippStsSizeErr, "size before steps");
@@ -104,81 +110,81 @@ void expectStrictSteps(
     }
 }
 
-constexpr Uses s_three{7, 7}, s_inPlace{5, 5}, s_constant{5, 5}, s_constantInPlace{4, 4}, s_values{7, 5},
-    s_valuesInPlace{6, 4};
+constexpr Uses s_three {7, 7}, s_inPlace {5, 5}, s_constant {5, 5}, s_constantInPlace {4, 4}, s_values {7, 5},
+    s_valuesInPlace {6, 4};
 
 #undef CUSTOMIPP_BINARY_SFS
-#define CUSTOMIPP_BINARY_SFS(symbol, op, T, channels) \
-    expectOrder<Arguments<T>>(#symbol, s_three, [](Arguments<T>& a) { \
-        return symbol(a.src1(), a.steps[0], a.src2(), a.steps[1], a.dst(), a.steps[2], a.size, 0); \
+#define CUSTOMIPP_BINARY_SFS(symbol, op, T, channels)                                                        \
+    expectOrder<Arguments<T>>(#symbol, s_three, [](Arguments<T>& a) {                                        \
+        return symbol(a.src1(), a.steps[0], a.src2(), a.steps[1], a.dst(), a.steps[2], a.size, 0);           \
     });
 #undef CUSTOMIPP_BINARY_SFS_I
-#define CUSTOMIPP_BINARY_SFS_I(symbol, op, T, channels) \
-    expectOrder<Arguments<T>>(#symbol, s_inPlace, \
+#define CUSTOMIPP_BINARY_SFS_I(symbol, op, T, channels)                                                      \
+    expectOrder<Arguments<T>>(#symbol, s_inPlace,                                                            \
         [](Arguments<T>& a) { return symbol(a.src1(), a.steps[0], a.dst(), a.steps[2], a.size, 0); });
 #undef CUSTOMIPP_BINARY
-#define CUSTOMIPP_BINARY(symbol, op, T, channels) \
-    expectOrder<Arguments<T>>(#symbol, s_three, [](Arguments<T>& a) { \
-        return symbol(a.src1(), a.steps[0], a.src2(), a.steps[1], a.dst(), a.steps[2], a.size); \
+#define CUSTOMIPP_BINARY(symbol, op, T, channels)                                                            \
+    expectOrder<Arguments<T>>(#symbol, s_three, [](Arguments<T>& a) {                                        \
+        return symbol(a.src1(), a.steps[0], a.src2(), a.steps[1], a.dst(), a.steps[2], a.size);              \
     });
 #undef CUSTOMIPP_BINARY_I
-#define CUSTOMIPP_BINARY_I(symbol, op, T, channels) \
-    expectOrder<Arguments<T>>(#symbol, s_inPlace, \
+#define CUSTOMIPP_BINARY_I(symbol, op, T, channels)                                                          \
+    expectOrder<Arguments<T>>(#symbol, s_inPlace,                                                            \
         [](Arguments<T>& a) { return symbol(a.src1(), a.steps[0], a.dst(), a.steps[2], a.size); });
 #undef CUSTOMIPP_BINARY_STRICT
-#define CUSTOMIPP_BINARY_STRICT(symbol, op, T, channels) \
-    CUSTOMIPP_BINARY(symbol, op, T, channels) \
-    expectStrictSteps<Arguments<T>>(#symbol, s_three, channels, [](Arguments<T>& a) { \
-        return symbol(a.src1(), a.steps[0], a.src2(), a.steps[1], a.dst(), a.steps[2], a.size); \
+#define CUSTOMIPP_BINARY_STRICT(symbol, op, T, channels)                                                     \
+    CUSTOMIPP_BINARY(symbol, op, T, channels)                                                                \
+    expectStrictSteps<Arguments<T>>(#symbol, s_three, channels, [](Arguments<T>& a) {                        \
+        return symbol(a.src1(), a.steps[0], a.src2(), a.steps[1], a.dst(), a.steps[2], a.size);              \
     });
 #undef CUSTOMIPP_CONSTANT_SFS
-#define CUSTOMIPP_CONSTANT_SFS(symbol, op, T) \
-    expectOrder<Arguments<T>>(#symbol, s_constant, \
+#define CUSTOMIPP_CONSTANT_SFS(symbol, op, T)                                                                \
+    expectOrder<Arguments<T>>(#symbol, s_constant,                                                           \
         [](Arguments<T>& a) { return symbol(a.src1(), a.steps[0], 1, a.dst(), a.steps[2], a.size, 0); });
 #undef CUSTOMIPP_CONSTANT_SFS_I
-#define CUSTOMIPP_CONSTANT_SFS_I(symbol, op, T) \
-    expectOrder<Arguments<T>>(#symbol, s_constantInPlace, \
+#define CUSTOMIPP_CONSTANT_SFS_I(symbol, op, T)                                                              \
+    expectOrder<Arguments<T>>(#symbol, s_constantInPlace,                                                    \
         [](Arguments<T>& a) { return symbol(1, a.dst(), a.steps[2], a.size, 0); });
 #undef CUSTOMIPP_CONSTANT
-#define CUSTOMIPP_CONSTANT(symbol, op, T) \
-    expectOrder<Arguments<T>>(#symbol, s_constant, \
+#define CUSTOMIPP_CONSTANT(symbol, op, T)                                                                    \
+    expectOrder<Arguments<T>>(#symbol, s_constant,                                                           \
         [](Arguments<T>& a) { return symbol(a.src1(), a.steps[0], 1, a.dst(), a.steps[2], a.size); });
 #undef CUSTOMIPP_CONSTANT_I
-#define CUSTOMIPP_CONSTANT_I(symbol, op, T) \
-    expectOrder<Arguments<T>>(#symbol, s_constantInPlace, \
-        [](Arguments<T>& a) { return symbol(1, a.dst(), a.steps[2], a.size); });
+#define CUSTOMIPP_CONSTANT_I(symbol, op, T)                                                                  \
+    expectOrder<Arguments<T>>(                                                                               \
+        #symbol, s_constantInPlace, [](Arguments<T>& a) { return symbol(1, a.dst(), a.steps[2], a.size); });
 #undef CUSTOMIPP_CONSTANTS_SFS
-#define CUSTOMIPP_CONSTANTS_SFS(symbol, op, T, channels) \
-    expectOrder<Arguments<T>>(#symbol, s_values, [](Arguments<T>& a) { \
-        return symbol(a.src1(), a.steps[0], a.src2(), a.dst(), a.steps[2], a.size, 0); \
+#define CUSTOMIPP_CONSTANTS_SFS(symbol, op, T, channels)                                                     \
+    expectOrder<Arguments<T>>(#symbol, s_values, [](Arguments<T>& a) {                                       \
+        return symbol(a.src1(), a.steps[0], a.src2(), a.dst(), a.steps[2], a.size, 0);                       \
     });
 #undef CUSTOMIPP_CONSTANTS_SFS_I
-#define CUSTOMIPP_CONSTANTS_SFS_I(symbol, op, T, channels) \
-    expectOrder<Arguments<T>>(#symbol, s_valuesInPlace, \
+#define CUSTOMIPP_CONSTANTS_SFS_I(symbol, op, T, channels)                                                   \
+    expectOrder<Arguments<T>>(#symbol, s_valuesInPlace,                                                      \
         [](Arguments<T>& a) { return symbol(a.src2(), a.dst(), a.steps[2], a.size, 0); });
 #undef CUSTOMIPP_CONSTANTS_AC4_SFS_I
 #define CUSTOMIPP_CONSTANTS_AC4_SFS_I(symbol, op, T) CUSTOMIPP_CONSTANTS_SFS_I(symbol, op, T, 4)
 #undef CUSTOMIPP_UNARY
-#define CUSTOMIPP_UNARY(symbol, op, T, channels) \
-    expectOrder<Arguments<T>>(#symbol, s_inPlace, \
+#define CUSTOMIPP_UNARY(symbol, op, T, channels)                                                             \
+    expectOrder<Arguments<T>>(#symbol, s_inPlace,                                                            \
         [](Arguments<T>& a) { return symbol(a.src1(), a.steps[0], a.dst(), a.steps[2], a.size); });
 #undef CUSTOMIPP_ACCUMULATE_BINARY
-#define CUSTOMIPP_ACCUMULATE_BINARY(symbol, op, T) \
-    { \
-        using A = Arguments<T, Ipp32f>; \
-        const auto call = [](A& a) { \
-            return symbol(a.src1(), a.steps[0], a.src2(), a.steps[1], a.dst(), a.steps[2], a.size); \
-        }; \
-        expectOrder<A>(#symbol, s_three, call); \
-        expectStrictSteps<A>(#symbol, s_three, 1, call); \
+#define CUSTOMIPP_ACCUMULATE_BINARY(symbol, op, T)                                                           \
+    {                                                                                                        \
+        using A = Arguments<T, Ipp32f>;                                                                      \
+        const auto call = [](A& a) {                                                                         \
+            return symbol(a.src1(), a.steps[0], a.src2(), a.steps[1], a.dst(), a.steps[2], a.size);          \
+        };                                                                                                   \
+        expectOrder<A>(#symbol, s_three, call);                                                              \
+        expectStrictSteps<A>(#symbol, s_three, 1, call);                                                     \
     }
 #undef CUSTOMIPP_ACCUMULATE_UNARY
-#define CUSTOMIPP_ACCUMULATE_UNARY(symbol, op, T) \
-    { \
-        using A = Arguments<T, Ipp32f>; \
-        const auto call = [](A& a) { return symbol(a.src1(), a.steps[0], a.dst(), a.steps[2], a.size); }; \
-        expectOrder<A>(#symbol, s_inPlace, call); \
-        expectStrictSteps<A>(#symbol, s_inPlace, 1, call); \
+#define CUSTOMIPP_ACCUMULATE_UNARY(symbol, op, T)                                                            \
+    {                                                                                                        \
+        using A = Arguments<T, Ipp32f>;                                                                      \
+        const auto call = [](A& a) { return symbol(a.src1(), a.steps[0], a.dst(), a.steps[2], a.size); };    \
+        expectOrder<A>(#symbol, s_inPlace, call);                                                            \
+        expectStrictSteps<A>(#symbol, s_inPlace, 1, call);                                                   \
     }
 
 TEST(arithmeticCheckTest, PointersThenSizeThenSteps)

@@ -5,11 +5,10 @@
 namespace {
 
 /** Runs each case once for every instruction set that is compiled in. */
-class divTest : public hwy::TestWithParamTarget { };
+class divTest : public hwy::TestWithParamTarget {};
 HWY_TARGET_INSTANTIATE_TEST_SUITE_P(divTest);
 
-TEST_P(divTest, EveryVariantGivesTheOraclesPixels)
-{
+TEST_P(divTest, EveryVariantGivesTheOraclesPixels) {
 #include <customipp/div.def>
 #include <customipp/divC.def>
 }
@@ -27,7 +26,7 @@ TEST_P(divTest, EveryByteWithEveryConstantGivesTheOraclesPixel)
 
 TEST_P(divTest, EveryWordGivesTheOraclesPixel)
 {
-    const std::vector<int> factors{0, 1, 2, 7, 8, 16, 17, 18, 24, 31, 32, 33, 34, -1, -2, -8, -15, -16, -17};
+    const std::vector<int> factors {0, 1, 2, 7, 8, 16, 17, 18, 24, 31, 32, 33, 34, -1, -2, -8, -15, -16, -17};
     pointwise::expectEveryPixel<oracle::DivC, Ipp16u>(
         {1, 2, 3, 255, 256, 257, 32767, 32768, 39322, 52429, 65280, 65535}, factors, ippiDivC_16u_C1RSfs);
     pointwise::expectEveryPixel<oracle::DivC, Ipp16s>(
@@ -46,7 +45,8 @@ void expectQuotientsNearHalves(IppStatus (*i_function)(const T*, int, const T*, 
                 const double divisor = std::ldexp(double(1 + random() % 65535), -int(random() % 16)) + 1;
                 const double largest = std::min(65535.0, 65535.0 * divisor * std::ldexp(1, factor));
                 const double halves = std::floor(double(random()) / 4294967296.0 * largest / divisor) + 0.5;
-                const double dividend = halves * std::floor(divisor) * std::ldexp(1, factor) + int(random() % 3) - 1;
+                const double dividend
+                    = halves * std::floor(divisor) * std::ldexp(1, factor) + int(random() % 3) - 1;
                 const int sign = std::is_signed_v<T> && random() % 2 ? -1 : 1;
                 divisors.set(x, y, T(std::min(divisor, double(std::numeric_limits<T>::max())) * sign));
                 dividends.set(x, y, T(std::clamp(dividend, 0.0, double(std::numeric_limits<T>::max()))));
@@ -85,7 +85,8 @@ TEST_P(divTest, TheFirstSourceDivides)
 TEST_P(divTest, ADivisionIsScaledBeforeItIsRounded)
 {
     const auto quotient = [](int pixel, int divisor, int scale) {
-        return pointwise::onePixelWithConstant<Ipp8u>(ippiDivC_8u_C1RSfs, Ipp8u(pixel), Ipp8u(divisor), scale);
+        return pointwise::onePixelWithConstant<Ipp8u>(
+            ippiDivC_8u_C1RSfs, Ipp8u(pixel), Ipp8u(divisor), scale);
     };
     EXPECT_EQ(quotient(10, 3, -1), 7);
     EXPECT_EQ(quotient(5, 2, -1), 5);
@@ -96,14 +97,15 @@ TEST_P(divTest, ADivisionIsScaledBeforeItIsRounded)
 
 TEST_P(divTest, OneZeroDivisorInManyPixelsWarns)
 {
-    const IppiSize size{1500, 1000};
-    std::vector<Ipp16s> divisors(size_t(size.width * size.height), 2), dividends(divisors.size(), -7), out(divisors.size());
+    const IppiSize size {1500, 1000};
+    std::vector<Ipp16s> divisors(size_t(size.width * size.height), 2), dividends(divisors.size(), -7),
+        out(divisors.size());
     const int step = size.width * int(sizeof(Ipp16s));
     const auto divide = [&] {
         return ippiDiv_16s_C1RSfs(divisors.data(), step, dividends.data(), step, out.data(), step, size, 0);
     };
     EXPECT_EQ(divide(), ippStsNoErr);
-    for (const size_t place : {size_t{0}, size_t{777777}, divisors.size() - 1}) {
+    for (const size_t place : {size_t {0}, size_t {777777}, divisors.size() - 1}) {
         divisors[place] = 0;
         EXPECT_EQ(divide(), ippStsDivByZero);
         std::vector<Ipp16s> expected(divisors.size(), -4);
@@ -130,10 +132,19 @@ TEST_P(divTest, FloatsFollowTheIeeeQuotient)
     struct {
         float divisor, dividend, quotient;
         IppStatus status;
-    } const cases[] = {{0, 0, nan, ippStsDivByZero}, {0, 1, inf, ippStsDivByZero}, {0, -1, -inf, ippStsDivByZero},
-        {-0.0f, 1, -inf, ippStsDivByZero}, {-0.0f, -1, inf, ippStsDivByZero}, {0, nan, nan, ippStsDivByZero},
-        {nan, 1, nan, ippStsNoErr}, {1e-40f, 1e-40f, 1, ippStsNoErr}, {1e-30f, 1e30f, inf, ippStsNoErr},
-        {3, 1, 1.0f / 3, ippStsNoErr}, {inf, 1, 0, ippStsNoErr}};
+    } const cases[] = {
+        {0,      0,      nan,      ippStsDivByZero},
+        {0,      1,      inf,      ippStsDivByZero},
+        {0,      -1,     -inf,     ippStsDivByZero},
+        {-0.0f,  1,      -inf,     ippStsDivByZero},
+        {-0.0f,  -1,     inf,      ippStsDivByZero},
+        {0,      nan,    nan,      ippStsDivByZero},
+        {nan,    1,      nan,      ippStsNoErr    },
+        {1e-40f, 1e-40f, 1,        ippStsNoErr    },
+        {1e-30f, 1e30f,  inf,      ippStsNoErr    },
+        {3,      1,      1.0f / 3, ippStsNoErr    },
+        {inf,    1,      0,        ippStsNoErr    }
+    };
     for (const auto& row : cases) {
         float out = 5;
         EXPECT_EQ(ippiDiv_32f_C1R(&row.divisor, 4, &row.dividend, 4, &out, 4, {1, 1}), row.status);

@@ -5,11 +5,10 @@
 namespace {
 
 /** Runs each case once for every instruction set that is compiled in. */
-class everyTest : public hwy::TestWithParamTarget { };
+class everyTest : public hwy::TestWithParamTarget {};
 HWY_TARGET_INSTANTIATE_TEST_SUITE_P(everyTest);
 
-TEST_P(everyTest, EveryVariantGivesTheOraclesPixels)
-{
+TEST_P(everyTest, EveryVariantGivesTheOraclesPixels) {
 #include <customipp/maxEvery.def>
 #include <customipp/minEvery.def>
 }

@@ -5,11 +5,10 @@
 namespace {
 
 /** Runs each case once for every instruction set that is compiled in. */
-class mulTest : public hwy::TestWithParamTarget { };
+class mulTest : public hwy::TestWithParamTarget {};
 HWY_TARGET_INSTANTIATE_TEST_SUITE_P(mulTest);
 
-TEST_P(mulTest, EveryVariantGivesTheOraclesPixels)
-{
+TEST_P(mulTest, EveryVariantGivesTheOraclesPixels) {
 #include <customipp/mul.def>
 #include <customipp/mulC.def>
 }
@@ -27,7 +26,7 @@ TEST_P(mulTest, EveryByteWithEveryConstantGivesTheOraclesPixel)
 
 TEST_P(mulTest, EveryWordGivesTheOraclesPixel)
 {
-    const std::vector<int> factors{0, 1, 2, 7, 8, 16, 17, 18, 24, 31, 32, 33, 34, -1, -2, -8, -15, -16, -17};
+    const std::vector<int> factors {0, 1, 2, 7, 8, 16, 17, 18, 24, 31, 32, 33, 34, -1, -2, -8, -15, -16, -17};
     pointwise::expectEveryPixel<oracle::MulC, Ipp16u>(
         {0, 1, 2, 3, 255, 256, 257, 32767, 32768, 39322, 52429, 65280, 65535}, factors, ippiMulC_16u_C1RSfs);
     pointwise::expectEveryPixel<oracle::MulC, Ipp16s>(
@@ -48,7 +47,8 @@ TEST_P(mulTest, FractionsAreAnIntegerAndAScaleFactor)
     EXPECT_EQ(byte(1, 1, -40), 255);
 
     const auto word = [](int pixel, int factor, int scale) {
-        return pointwise::onePixelWithConstant<Ipp16u>(ippiMulC_16u_C1RSfs, Ipp16u(pixel), Ipp16u(factor), scale);
+        return pointwise::onePixelWithConstant<Ipp16u>(
+            ippiMulC_16u_C1RSfs, Ipp16u(pixel), Ipp16u(factor), scale);
     };
     EXPECT_EQ(word(65535, 65280, 24), 255);
     EXPECT_EQ(word(255, 32896, 7), 65535);

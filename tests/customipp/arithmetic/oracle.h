@@ -5,7 +5,8 @@
 #include <limits>
 #include <type_traits>
 
-/** The pixel arithmetic from its definition, one pixel at a time: the exact result, one rounding, then the limits. */
+/** The pixel arithmetic from its definition, one pixel at a time: the exact result, one rounding, then the
+ * limits. */
 namespace oracle {
 
 inline int64_t clampTo(int64_t i_value, int64_t i_low, int64_t i_high)
@@ -25,9 +26,9 @@ inline int64_t nearest(int64_t i_numerator, int64_t i_denominator)
     return floor;
 }
 
-/** numerator / denominator * 2^-scaleFactor as a pixel; at most 2^16 both, or a denominator of 1 and at most 2^32. */
-template <class T>
-T scaled(int64_t i_numerator, int64_t i_denominator, int i_scaleFactor)
+/** numerator / denominator * 2^-scaleFactor as a pixel; at most 2^16 both, or a denominator of 1 and at most
+ * 2^32. */
+template <class T> T scaled(int64_t i_numerator, int64_t i_denominator, int i_scaleFactor)
 {
     int64_t numerator = i_denominator < 0 ? -i_numerator : i_numerator;
     int64_t denominator = i_denominator < 0 ? -i_denominator : i_denominator;
@@ -36,46 +37,43 @@ T scaled(int64_t i_numerator, int64_t i_denominator, int i_scaleFactor)
     if (i_scaleFactor > 0)
         denominator <<= i_scaleFactor < 40 ? i_scaleFactor : 40;
     else
-        numerator *= int64_t{1} << (i_scaleFactor > -up ? -i_scaleFactor : up);
-    return T(clampTo(nearest(numerator, denominator), std::numeric_limits<T>::min(), std::numeric_limits<T>::max()));
+        numerator *= int64_t {1} << (i_scaleFactor > -up ? -i_scaleFactor : up);
+    return T(clampTo(
+        nearest(numerator, denominator), std::numeric_limits<T>::min(), std::numeric_limits<T>::max()));
 }
 
 struct Add {
-    template <class T>
-    static T pixel(T i_src1, T i_src2, int i_scaleFactor)
+    template <class T> static T pixel(T i_src1, T i_src2, int i_scaleFactor)
     {
         if constexpr (std::is_floating_point_v<T>)
             return i_src1 + i_src2;
         else
-            return scaled<T>(int64_t{i_src1} + i_src2, 1, i_scaleFactor);
+            return scaled<T>(int64_t {i_src1} + i_src2, 1, i_scaleFactor);
     }
 };
 
 struct Sub {
-    template <class T>
-    static T pixel(T i_subtrahend, T i_minuend, int i_scaleFactor)
+    template <class T> static T pixel(T i_subtrahend, T i_minuend, int i_scaleFactor)
     {
         if constexpr (std::is_floating_point_v<T>)
             return i_minuend - i_subtrahend;
         else
-            return scaled<T>(int64_t{i_minuend} - i_subtrahend, 1, i_scaleFactor);
+            return scaled<T>(int64_t {i_minuend} - i_subtrahend, 1, i_scaleFactor);
     }
 };
 
 struct Mul {
-    template <class T>
-    static T pixel(T i_src1, T i_src2, int i_scaleFactor)
+    template <class T> static T pixel(T i_src1, T i_src2, int i_scaleFactor)
     {
         if constexpr (std::is_floating_point_v<T>)
             return i_src1 * i_src2;
         else
-            return scaled<T>(int64_t{i_src1} * i_src2, 1, i_scaleFactor);
+            return scaled<T>(int64_t {i_src1} * i_src2, 1, i_scaleFactor);
     }
 };
 
 struct Div {
-    template <class T>
-    static T pixel(T i_divisor, T i_dividend, int i_scaleFactor)
+    template <class T> static T pixel(T i_divisor, T i_dividend, int i_scaleFactor)
     {
         if constexpr (std::is_floating_point_v<T>) {
             if (i_divisor == 0) {
@@ -96,14 +94,13 @@ struct Div {
 };
 
 // With constants the constant is the second operand, the subtrahend, or the divisor.
-struct AddC : Add { };
-struct SubC : Sub { };
-struct MulC : Mul { };
-struct DivC : Div { };
+struct AddC : Add {};
+struct SubC : Sub {};
+struct MulC : Mul {};
+struct DivC : Div {};
 
 struct AbsDiff {
-    template <class T>
-    static T pixel(T i_src1, T i_src2, int = 0)
+    template <class T> static T pixel(T i_src1, T i_src2, int = 0)
     {
         if constexpr (std::is_floating_point_v<T>)
             return std::fabs(i_src1 - i_src2);
@@ -113,27 +110,25 @@ struct AbsDiff {
 };
 
 struct Abs {
-    template <class T>
-    static T pixel(T i_src)
+    template <class T> static T pixel(T i_src)
     {
         if constexpr (std::is_floating_point_v<T>)
             return std::fabs(i_src);
         else
-            return T(clampTo(i_src < 0 ? -int64_t{i_src} : int64_t{i_src}, 0, std::numeric_limits<T>::max()));
+            return T(
+                clampTo(i_src < 0 ? -int64_t {i_src} : int64_t {i_src}, 0, std::numeric_limits<T>::max()));
     }
 };
 
 struct MinEvery {
-    template <class T>
-    static T pixel(T i_src, T i_srcDst, int = 0)
+    template <class T> static T pixel(T i_src, T i_srcDst, int = 0)
     {
         return i_src < i_srcDst ? i_src : i_srcDst;
     }
 };
 
 struct MaxEvery {
-    template <class T>
-    static T pixel(T i_src, T i_srcDst, int = 0)
+    template <class T> static T pixel(T i_src, T i_srcDst, int = 0)
     {
         return i_src > i_srcDst ? i_src : i_srcDst;
     }

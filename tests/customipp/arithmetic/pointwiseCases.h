@@ -12,57 +12,52 @@
 #include <string>
 
 /**
- * Runs a function of the pixel layer of each shape over all sizes and layouts and compares it with an oracle: separate
- * images, the same image as source and destination, and the image in two bands of rows.
+ * Runs a function of the pixel layer of each shape over all sizes and layouts and compares it with an oracle:
+ * separate images, the same image as source and destination, and the image in two bands of rows.
  */
 namespace pointwise {
 
 /** Below, at and beyond every place where the arithmetic changes its way. */
 inline const std::vector<int>& everyScaleFactor()
 {
-    static const std::vector<int> s_factors{0, 1, 2, 3, 7, 8, 9, 10, 11, 16, 17, 18, 19, 30, 31, 32, 33, 34, 115,
-        INT_MAX, -1, -2, -6, -7, -8, -9, -14, -15, -16, -17, -20, -21, -33, -34, -1004, INT_MIN};
+    static const std::vector<int> s_factors {0, 1, 2, 3, 7, 8, 9, 10, 11, 16, 17, 18, 19, 30, 31, 32, 33, 34,
+        115, INT_MAX, -1, -2, -6, -7, -8, -9, -14, -15, -16, -17, -20, -21, -33, -34, -1004, INT_MIN};
     return s_factors;
 }
 
 template <class T>
-inline const std::vector<int> factorsOf = std::is_floating_point_v<T> ? std::vector<int>{0} : everyScaleFactor();
+inline const std::vector<int> factorsOf
+    = std::is_floating_point_v<T> ? std::vector<int> {0} : everyScaleFactor();
 
 /** Calls a function for all sizes and layouts, with a number that counts the calls. */
-template <class Function>
-void forEveryGeometry(Function&& i_function)
+template <class Function> void forEveryGeometry(Function&& i_function)
 {
     unsigned count = 0;
     for (const int width : everyWidth())
         for (const int height : everyHeight())
             for (size_t layout = 0; layout < everyLayout().size(); ++layout)
-                i_function(IppiSize{width, height}, layout, count++);
+                i_function(IppiSize {width, height}, layout, count++);
 }
 
-inline Layout layoutAt(size_t i_index)
-{
-    return everyLayout()[i_index % everyLayout().size()];
-}
+inline Layout layoutAt(size_t i_index) { return everyLayout()[i_index % everyLayout().size()]; }
 
-template <class T>
-T* rowOf(Plane<T>& io_plane, int i_row)
+template <class T> T* rowOf(Plane<T>& io_plane, int i_row)
 {
-    return reinterpret_cast<T*>(reinterpret_cast<char*>(io_plane.data()) + i_row * ptrdiff_t{io_plane.step()});
+    return reinterpret_cast<T*>(
+        reinterpret_cast<char*>(io_plane.data()) + i_row * ptrdiff_t {io_plane.step()});
 }
 
 /** One call for the upper rows and one for the rest; the call takes the first row and the size. */
-template <class Call>
-void inTwoBands(IppiSize i_size, Call&& i_call)
+template <class Call> void inTwoBands(IppiSize i_size, Call&& i_call)
 {
     const int upper = i_size.height / 2;
     if (upper > 0)
-        i_call(0, IppiSize{i_size.width, upper});
-    i_call(upper, IppiSize{i_size.width, i_size.height - upper});
+        i_call(0, IppiSize {i_size.width, upper});
+    i_call(upper, IppiSize {i_size.width, i_size.height - upper});
 }
 
 /** Whether a zero divisor was met; only quotients warn. */
-template <class Op, class T>
-bool warns(const Plane<T>& i_divisors)
+template <class Op, class T> bool warns(const Plane<T>& i_divisors)
 {
     if constexpr (std::is_same_v<Op, oracle::Div>)
         for (int y = 0; y < i_divisors.rows(); ++y)
@@ -79,8 +74,9 @@ void expectBinary(const char* i_symbol, int i_channels, Call&& i_call)
     PixelSource<T> random;
     forEveryGeometry([&](IppiSize size, size_t layout, unsigned count) {
         const int factor = factorsOf<T>[count % factorsOf<T>.size()];
-        SCOPED_TRACE(std::string(i_symbol) + " " + std::to_string(size.width) + " x " + std::to_string(size.height)
-            + ", layout " + std::to_string(layout) + ", factor " + std::to_string(factor));
+        SCOPED_TRACE(std::string(i_symbol) + " " + std::to_string(size.width) + " x "
+            + std::to_string(size.height) + ", layout " + std::to_string(layout) + ", factor "
+            + std::to_string(factor));
         const int lanes = size.width * i_channels;
         Plane<T> a(lanes, size.height, layoutAt(layout)), b(lanes, size.height, layoutAt(layout + count % 2));
         Plane<T> out(lanes, size.height, layoutAt(layout + count % 3)), expected(lanes, size.height);
@@ -95,12 +91,14 @@ void expectBinary(const char* i_symbol, int i_channels, Call&& i_call)
         const auto expectedFrom = [&](const Plane<T>& x, const Plane<T>& y) -> const Plane<T>& {
             for (int row = 0; row < size.height; ++row)
                 for (int lane = 0; lane < lanes; ++lane)
-                    expected.set(lane, row, Op::template pixel<T>(x.get(lane, row), y.get(lane, row), factor));
+                    expected.set(
+                        lane, row, Op::template pixel<T>(x.get(lane, row), y.get(lane, row), factor));
             return expected;
         };
         const IppStatus status = warns<Op>(a) ? ippStsDivByZero : ippStsNoErr;
 
-        ASSERT_EQ(i_call(a.data(), a.step(), b.data(), b.step(), out.data(), out.step(), size, factor), status);
+        ASSERT_EQ(
+            i_call(a.data(), a.step(), b.data(), b.step(), out.data(), out.step(), size, factor), status);
         ASSERT_TRUE(samePixels(out, expectedFrom(a, b)));
         ASSERT_TRUE(out.frameIsIntact() && a.frameIsIntact() && b.frameIsIntact());
 
@@ -111,14 +109,17 @@ void expectBinary(const char* i_symbol, int i_channels, Call&& i_call)
         ASSERT_TRUE(samePixels(out, expected)) << "in two bands";
 
         out.copyFrom(b);
-        ASSERT_EQ(i_call(a.data(), a.step(), out.data(), out.step(), out.data(), out.step(), size, factor), status);
+        ASSERT_EQ(
+            i_call(a.data(), a.step(), out.data(), out.step(), out.data(), out.step(), size, factor), status);
         ASSERT_TRUE(samePixels(out, expected)) << "second source is the destination";
         out.copyFrom(a);
-        ASSERT_EQ(i_call(out.data(), out.step(), b.data(), b.step(), out.data(), out.step(), size, factor), status);
+        ASSERT_EQ(
+            i_call(out.data(), out.step(), b.data(), b.step(), out.data(), out.step(), size, factor), status);
         ASSERT_TRUE(samePixels(out, expected)) << "first source is the destination";
         out.copyFrom(a);
         ASSERT_EQ(
-            i_call(out.data(), out.step(), out.data(), out.step(), out.data(), out.step(), size, factor), status);
+            i_call(out.data(), out.step(), out.data(), out.step(), out.data(), out.step(), size, factor),
+            status);
         ASSERT_TRUE(samePixels(out, expectedFrom(a, a))) << "all images are one";
         ASSERT_TRUE(out.frameIsIntact());
     });
@@ -131,8 +132,9 @@ void expectBinaryInPlace(const char* i_symbol, int i_channels, Call&& i_call)
     PixelSource<T> random(2);
     forEveryGeometry([&](IppiSize size, size_t layout, unsigned count) {
         const int factor = factorsOf<T>[count % factorsOf<T>.size()];
-        SCOPED_TRACE(std::string(i_symbol) + " " + std::to_string(size.width) + " x " + std::to_string(size.height)
-            + ", layout " + std::to_string(layout) + ", factor " + std::to_string(factor));
+        SCOPED_TRACE(std::string(i_symbol) + " " + std::to_string(size.width) + " x "
+            + std::to_string(size.height) + ", layout " + std::to_string(layout) + ", factor "
+            + std::to_string(factor));
         const int lanes = size.width * i_channels;
         Plane<T> source(lanes, size.height, layoutAt(layout)), start(lanes, size.height);
         Plane<T> image(lanes, size.height, layoutAt(layout + count % 2)), expected(lanes, size.height);
@@ -141,7 +143,8 @@ void expectBinaryInPlace(const char* i_symbol, int i_channels, Call&& i_call)
         const auto expectedFrom = [&](const Plane<T>& x, const Plane<T>& y) -> const Plane<T>& {
             for (int row = 0; row < size.height; ++row)
                 for (int lane = 0; lane < lanes; ++lane)
-                    expected.set(lane, row, Op::template pixel<T>(x.get(lane, row), y.get(lane, row), factor));
+                    expected.set(
+                        lane, row, Op::template pixel<T>(x.get(lane, row), y.get(lane, row), factor));
             return expected;
         };
         const IppStatus status = warns<Op>(source) ? ippStsDivByZero : ippStsNoErr;
@@ -164,7 +167,8 @@ void expectBinaryInPlace(const char* i_symbol, int i_channels, Call&& i_call)
     });
 }
 
-/** call(src, step, values, dst, step, size, factor); the source may be the destination. The last of four may be kept. */
+/** call(src, step, values, dst, step, size, factor); the source may be the destination. The last of four may
+ * be kept. */
 template <class Op, class T, class Call>
 void expectConstants(const char* i_symbol, int i_channels, bool i_inPlace, bool i_keepsAlpha, Call&& i_call)
 {
@@ -172,7 +176,8 @@ void expectConstants(const char* i_symbol, int i_channels, bool i_inPlace, bool 
     forEveryGeometry([&](IppiSize size, size_t layout, unsigned count) {
         const int factor = factorsOf<T>[count % factorsOf<T>.size()];
         const int lanes = size.width * i_channels;
-        Plane<T> source(lanes, size.height, layoutAt(layout)), out(lanes, size.height, layoutAt(layout + count % 3));
+        Plane<T> source(lanes, size.height, layoutAt(layout)),
+            out(lanes, size.height, layoutAt(layout + count % 3));
         Plane<T> expected(lanes, size.height);
         source.fill(random);
         std::array<T, 4> values;
@@ -180,21 +185,24 @@ void expectConstants(const char* i_symbol, int i_channels, bool i_inPlace, bool 
             do
                 value = random();
             while (value == 0 && std::is_same_v<Op, oracle::DivC>);
-        SCOPED_TRACE(std::string(i_symbol) + " " + std::to_string(size.width) + " x " + std::to_string(size.height)
-            + ", layout " + std::to_string(layout) + ", factor " + std::to_string(factor) + ", constants "
-            + std::to_string(values[0]) + ", " + std::to_string(values[1]) + ", " + std::to_string(values[2]) + ", "
+        SCOPED_TRACE(std::string(i_symbol) + " " + std::to_string(size.width) + " x "
+            + std::to_string(size.height) + ", layout " + std::to_string(layout) + ", factor "
+            + std::to_string(factor) + ", constants " + std::to_string(values[0]) + ", "
+            + std::to_string(values[1]) + ", " + std::to_string(values[2]) + ", "
             + std::to_string(values[3]));
         for (int row = 0; row < size.height; ++row)
             for (int lane = 0; lane < lanes; ++lane) {
                 const int channel = lane % i_channels;
                 const T pixel = source.get(lane, row);
                 expected.set(lane, row,
-                    i_keepsAlpha && channel == 3 ? pixel
-                                                 : Op::template pixel<T>(values[size_t(channel)], pixel, factor));
+                    i_keepsAlpha && channel == 3
+                        ? pixel
+                        : Op::template pixel<T>(values[size_t(channel)], pixel, factor));
             }
 
         if (!i_inPlace) {
-            ASSERT_EQ(i_call(source.data(), source.step(), values.data(), out.data(), out.step(), size, factor),
+            ASSERT_EQ(
+                i_call(source.data(), source.step(), values.data(), out.data(), out.step(), size, factor),
                 ippStsNoErr);
             ASSERT_TRUE(samePixels(out, expected));
             ASSERT_TRUE(out.frameIsIntact() && source.frameIsIntact());
@@ -214,16 +222,15 @@ void expectConstants(const char* i_symbol, int i_channels, bool i_inPlace, bool 
 }
 
 /** Every value of a pixel type of at most 16 bits, in a plane of 256 columns. */
-template <class T>
-void fillWithEveryValue(Plane<T>& o_plane)
+template <class T> void fillWithEveryValue(Plane<T>& o_plane)
 {
     unsigned value = 0;
     o_plane.fill([&] { return T(value++); });
 }
 
-/** call(src1, step, src2, step, dst, step, size, factor) on all pairs of 8-bit pixels, for factors round the limits. */
-template <class Op, class Call>
-void expectEveryPairOfBytes(Call&& i_call)
+/** call(src1, step, src2, step, dst, step, size, factor) on all pairs of 8-bit pixels, for factors round the
+ * limits. */
+template <class Op, class Call> void expectEveryPairOfBytes(Call&& i_call)
 {
     Plane<Ipp8u> a(256, 256), b(256, 256), out(256, 256), expected(256, 256);
     fillWithEveryValue(a);
@@ -234,13 +241,15 @@ void expectEveryPairOfBytes(Call&& i_call)
         for (int y = 0; y < 256; ++y)
             for (int x = 0; x < 256; ++x)
                 expected.set(x, y, Op::template pixel<Ipp8u>(a.get(x, y), b.get(x, y), factor));
-        ASSERT_EQ(i_call(a.data(), a.step(), b.data(), b.step(), out.data(), out.step(), IppiSize{256, 256}, factor),
+        ASSERT_EQ(i_call(a.data(), a.step(), b.data(), b.step(), out.data(), out.step(), IppiSize {256, 256},
+                      factor),
             warns<Op>(a) ? ippStsDivByZero : ippStsNoErr);
         ASSERT_TRUE(samePixels(out, expected)) << "factor " << factor;
     }
 }
 
-/** call(src, step, value, dst, step, size, factor) on all pixels of a type, for the given constants and factors. */
+/** call(src, step, value, dst, step, size, factor) on all pixels of a type, for the given constants and
+ * factors. */
 template <class Op, class T, class Call>
 void expectEveryPixel(const std::vector<int>& i_constants, const std::vector<int>& i_factors, Call&& i_call)
 {
@@ -252,8 +261,8 @@ void expectEveryPixel(const std::vector<int>& i_constants, const std::vector<int
             for (int y = 0; y < rows; ++y)
                 for (int x = 0; x < 256; ++x)
                     expected.set(x, y, Op::template pixel<T>(T(constant), source.get(x, y), factor));
-            ASSERT_EQ(i_call(source.data(), source.step(), T(constant), out.data(), out.step(), IppiSize{256, rows},
-                          factor),
+            ASSERT_EQ(i_call(source.data(), source.step(), T(constant), out.data(), out.step(),
+                          IppiSize {256, rows}, factor),
                 ippStsNoErr);
             ASSERT_TRUE(samePixels(out, expected)) << "constant " << T(constant) << ", factor " << factor;
         }
@@ -269,11 +278,10 @@ inline std::vector<int> byteConstantsFrom(int i_first)
 }
 
 /** The result of one pixel of a two-image function with a scale factor. */
-template <class T, class Function>
-int onePixel(Function i_function, T i_src1, T i_src2, int i_scaleFactor)
+template <class T, class Function> int onePixel(Function i_function, T i_src1, T i_src2, int i_scaleFactor)
 {
     T out = 0;
-    i_function(&i_src1, sizeof(T), &i_src2, sizeof(T), &out, sizeof(T), IppiSize{1, 1}, i_scaleFactor);
+    i_function(&i_src1, sizeof(T), &i_src2, sizeof(T), &out, sizeof(T), IppiSize {1, 1}, i_scaleFactor);
     return out;
 }
 
@@ -282,7 +290,7 @@ template <class T, class Function>
 int onePixelWithConstant(Function i_function, T i_src, T i_value, int i_scaleFactor)
 {
     T out = 0;
-    i_function(&i_src, sizeof(T), i_value, &out, sizeof(T), IppiSize{1, 1}, i_scaleFactor);
+    i_function(&i_src, sizeof(T), i_value, &out, sizeof(T), IppiSize {1, 1}, i_scaleFactor);
     return out;
 }
 
@@ -291,72 +299,72 @@ int onePixelWithConstant(Function i_function, T i_src, T i_value, int i_scaleFac
 // The shapes as cases: each includes the .def file of its operations in the body of a test.
 
 #undef CUSTOMIPP_BINARY_SFS
-#define CUSTOMIPP_BINARY_SFS(symbol, op, T, channels) \
-    pointwise::expectBinary<oracle::op, T>(#symbol, channels, \
-        [](auto... arguments) { return symbol(arguments...); });
+#define CUSTOMIPP_BINARY_SFS(symbol, op, T, channels)                                                        \
+    pointwise::expectBinary<oracle::op, T>(                                                                  \
+        #symbol, channels, [](auto... arguments) { return symbol(arguments...); });
 
 #undef CUSTOMIPP_BINARY_SFS_I
-#define CUSTOMIPP_BINARY_SFS_I(symbol, op, T, channels) \
-    pointwise::expectBinaryInPlace<oracle::op, T>(#symbol, channels, \
-        [](auto... arguments) { return symbol(arguments...); });
+#define CUSTOMIPP_BINARY_SFS_I(symbol, op, T, channels)                                                      \
+    pointwise::expectBinaryInPlace<oracle::op, T>(                                                           \
+        #symbol, channels, [](auto... arguments) { return symbol(arguments...); });
 
 #undef CUSTOMIPP_BINARY
-#define CUSTOMIPP_BINARY(symbol, op, T, channels) \
-    pointwise::expectBinary<oracle::op, T>(#symbol, channels, \
-        [](auto* a, int aStep, auto* b, int bStep, auto* out, int outStep, IppiSize size, int) { \
-            return symbol(a, aStep, b, bStep, out, outStep, size); \
+#define CUSTOMIPP_BINARY(symbol, op, T, channels)                                                            \
+    pointwise::expectBinary<oracle::op, T>(#symbol, channels,                                                \
+        [](auto* a, int aStep, auto* b, int bStep, auto* out, int outStep, IppiSize size, int) {             \
+            return symbol(a, aStep, b, bStep, out, outStep, size);                                           \
         });
 
 #undef CUSTOMIPP_BINARY_I
-#define CUSTOMIPP_BINARY_I(symbol, op, T, channels) \
-    pointwise::expectBinaryInPlace<oracle::op, T>(#symbol, channels, \
-        [](auto* a, int aStep, auto* out, int outStep, IppiSize size, int) { \
-            return symbol(a, aStep, out, outStep, size); \
+#define CUSTOMIPP_BINARY_I(symbol, op, T, channels)                                                          \
+    pointwise::expectBinaryInPlace<oracle::op, T>(                                                           \
+        #symbol, channels, [](auto* a, int aStep, auto* out, int outStep, IppiSize size, int) {              \
+            return symbol(a, aStep, out, outStep, size);                                                     \
         });
 
 #undef CUSTOMIPP_CONSTANT_SFS
-#define CUSTOMIPP_CONSTANT_SFS(symbol, op, T) \
-    pointwise::expectConstants<oracle::op, T>(#symbol, 1, false, false, \
-        [](auto* a, int aStep, const T* c, auto* out, int outStep, IppiSize size, int factor) { \
-            return symbol(a, aStep, *c, out, outStep, size, factor); \
+#define CUSTOMIPP_CONSTANT_SFS(symbol, op, T)                                                                \
+    pointwise::expectConstants<oracle::op, T>(#symbol, 1, false, false,                                      \
+        [](auto* a, int aStep, const T* c, auto* out, int outStep, IppiSize size, int factor) {              \
+            return symbol(a, aStep, *c, out, outStep, size, factor);                                         \
         });
 
 #undef CUSTOMIPP_CONSTANT_SFS_I
-#define CUSTOMIPP_CONSTANT_SFS_I(symbol, op, T) \
-    pointwise::expectConstants<oracle::op, T>(#symbol, 1, true, false, \
-        [](auto*, int, const T* c, auto* out, int outStep, IppiSize size, int factor) { \
-            return symbol(*c, out, outStep, size, factor); \
+#define CUSTOMIPP_CONSTANT_SFS_I(symbol, op, T)                                                              \
+    pointwise::expectConstants<oracle::op, T>(#symbol, 1, true, false,                                       \
+        [](auto*, int, const T* c, auto* out, int outStep, IppiSize size, int factor) {                      \
+            return symbol(*c, out, outStep, size, factor);                                                   \
         });
 
 #undef CUSTOMIPP_CONSTANT
-#define CUSTOMIPP_CONSTANT(symbol, op, T) \
-    pointwise::expectConstants<oracle::op, T>(#symbol, 1, false, false, \
-        [](auto* a, int aStep, const T* c, auto* out, int outStep, IppiSize size, int) { \
-            return symbol(a, aStep, *c, out, outStep, size); \
+#define CUSTOMIPP_CONSTANT(symbol, op, T)                                                                    \
+    pointwise::expectConstants<oracle::op, T>(#symbol, 1, false, false,                                      \
+        [](auto* a, int aStep, const T* c, auto* out, int outStep, IppiSize size, int) {                     \
+            return symbol(a, aStep, *c, out, outStep, size);                                                 \
         });
 
 #undef CUSTOMIPP_CONSTANT_I
-#define CUSTOMIPP_CONSTANT_I(symbol, op, T) \
-    pointwise::expectConstants<oracle::op, T>(#symbol, 1, true, false, \
-        [](auto*, int, const T* c, auto* out, int outStep, IppiSize size, int) { \
-            return symbol(*c, out, outStep, size); \
+#define CUSTOMIPP_CONSTANT_I(symbol, op, T)                                                                  \
+    pointwise::expectConstants<oracle::op, T>(                                                               \
+        #symbol, 1, true, false, [](auto*, int, const T* c, auto* out, int outStep, IppiSize size, int) {    \
+            return symbol(*c, out, outStep, size);                                                           \
         });
 
 #undef CUSTOMIPP_CONSTANTS_SFS
-#define CUSTOMIPP_CONSTANTS_SFS(symbol, op, T, channels) \
-    pointwise::expectConstants<oracle::op, T>(#symbol, channels, false, false, \
-        [](auto... arguments) { return symbol(arguments...); });
+#define CUSTOMIPP_CONSTANTS_SFS(symbol, op, T, channels)                                                     \
+    pointwise::expectConstants<oracle::op, T>(                                                               \
+        #symbol, channels, false, false, [](auto... arguments) { return symbol(arguments...); });
 
 #undef CUSTOMIPP_CONSTANTS_SFS_I
-#define CUSTOMIPP_CONSTANTS_SFS_I(symbol, op, T, channels) \
-    pointwise::expectConstants<oracle::op, T>(#symbol, channels, true, false, \
-        [](auto*, int, const T* c, auto* out, int outStep, IppiSize size, int factor) { \
-            return symbol(c, out, outStep, size, factor); \
+#define CUSTOMIPP_CONSTANTS_SFS_I(symbol, op, T, channels)                                                   \
+    pointwise::expectConstants<oracle::op, T>(#symbol, channels, true, false,                                \
+        [](auto*, int, const T* c, auto* out, int outStep, IppiSize size, int factor) {                      \
+            return symbol(c, out, outStep, size, factor);                                                    \
         });
 
 #undef CUSTOMIPP_CONSTANTS_AC4_SFS_I
-#define CUSTOMIPP_CONSTANTS_AC4_SFS_I(symbol, op, T) \
-    pointwise::expectConstants<oracle::op, T>(#symbol, 4, true, true, \
-        [](auto*, int, const T* c, auto* out, int outStep, IppiSize size, int factor) { \
-            return symbol(c, out, outStep, size, factor); \
+#define CUSTOMIPP_CONSTANTS_AC4_SFS_I(symbol, op, T)                                                         \
+    pointwise::expectConstants<oracle::op, T>(#symbol, 4, true, true,                                        \
+        [](auto*, int, const T* c, auto* out, int outStep, IppiSize size, int factor) {                      \
+            return symbol(c, out, outStep, size, factor);                                                    \
         });

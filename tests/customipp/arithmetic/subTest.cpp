@@ -5,11 +5,10 @@
 namespace {
 
 /** Runs each case once for every instruction set that is compiled in. */
-class subTest : public hwy::TestWithParamTarget { };
+class subTest : public hwy::TestWithParamTarget {};
 HWY_TARGET_INSTANTIATE_TEST_SUITE_P(subTest);
 
-TEST_P(subTest, EveryVariantGivesTheOraclesPixels)
-{
+TEST_P(subTest, EveryVariantGivesTheOraclesPixels) {
 #include <customipp/sub.def>
 #include <customipp/subC.def>
 }
@@ -27,7 +26,7 @@ TEST_P(subTest, EveryByteWithEveryConstantGivesTheOraclesPixel)
 
 TEST_P(subTest, EveryWordGivesTheOraclesPixel)
 {
-    const std::vector<int> factors{0, 1, 2, 7, 8, 16, 17, 18, 24, 31, 32, 33, 34, -1, -2, -8, -15, -16, -17};
+    const std::vector<int> factors {0, 1, 2, 7, 8, 16, 17, 18, 24, 31, 32, 33, 34, -1, -2, -8, -15, -16, -17};
     pointwise::expectEveryPixel<oracle::SubC, Ipp16u>(
         {0, 1, 2, 3, 255, 256, 257, 32767, 32768, 39322, 52429, 65280, 65535}, factors, ippiSubC_16u_C1RSfs);
     pointwise::expectEveryPixel<oracle::SubC, Ipp16s>(
@@ -43,7 +42,8 @@ TEST_P(subTest, TheFirstSourceIsSubtracted)
 
 TEST_P(subTest, RowsLongerThanTheStepAreDoneOneAfterTheOther)
 {
-    // Pixels of four bytes on an image of three: each row ends within the next one, which changes those bytes again.
+    // Pixels of four bytes on an image of three: each row ends within the next one, which changes those bytes
+    // again.
     for (const int width : {1, 5, 21, 40, 200}) {
         const int height = 5, step = 3 * width, rowBytes = 4 * width;
         const Ipp8u values[4] = {10, 0, 40, 3};
