@@ -72,6 +72,25 @@ HWY_INLINE void convertVector(D d, const Ipp32f* i_source, T* o_target, const Fl
     }
 }
 
+/** The guess: false, with nothing stored, if an element lies so near a half that its rounding is in doubt. */
+template <class T, class D>
+HWY_INLINE bool convertByGuess(D d, const Ipp32f* i_source, T* o_target, const FloatChain& i_chain)
+{
+    const hn::RebindToUnsigned<D> du;
+    const auto v = hn::LoadU(d, i_source);
+    const auto limited = hn::Max(hn::Min(v, hn::Set(d, i_chain.high)), hn::Set(d, i_chain.low));
+    const auto bits = hn::BitCast(
+        du, hn::MulAdd(limited, hn::Set(d, i_chain.guess.factor), hn::Set(d, i_chain.guess.constant)));
+    const auto isDoubtful = hn::Or(
+        hn::Eq(hn::And(bits, hn::Set(du, 0xFF8u)), hn::Zero(du)), hn::RebindMask(du, hn::IsNaN(v)));
+    if (HWY_UNLIKELY(!hn::AllFalse(du, isDoubtful)))
+        return false;
+    const hn::Rebind<std::make_unsigned_t<T>, D> dtu;
+    const hn::Rebind<T, D> dt;
+    hn::StoreU(hn::BitCast(dt, hn::TruncateTo(dtu, hn::ShiftRight<12>(bits))), dt, o_target);
+    return true;
+}
+
 template <class Division, class T>
 HWY_INLINE void convertAll(const Ipp32f* i_source, T* o_target, std::size_t i_count, const FloatChain& i_chain)
 {
@@ -80,6 +99,13 @@ HWY_INLINE void convertAll(const Ipp32f* i_source, T* o_target, std::size_t i_co
     const hn::CappedTag<Ipp32f, 1> one;
     const std::size_t lanes = hn::Lanes(d);
     std::size_t x = 0;
+    if constexpr (sizeof(T) == 1) {
+        if (chain.guess.usable) {
+            for (; x + lanes <= i_count; x += lanes)
+                if (!convertByGuess(d, i_source + x, o_target + x, chain))
+                    convertVector<Division>(d, i_source + x, o_target + x, chain);
+        }
+    }
     for (; x + lanes <= i_count; x += lanes)
         convertVector<Division>(d, i_source + x, o_target + x, chain);
     for (; x < i_count; ++x)
@@ -116,6 +142,18 @@ HWY_EXPORT(floatChains);
 const FloatChainTable& floatChainTable()
 {
     return HWY_DYNAMIC_DISPATCH(floatChains)();
+}
+
+void FloatChain::setGuess(double i_factor, double i_constant)
+{
+    // The chain limits to floats and then rounds three times, each time by 2^-24 of one of these terms; so do the guess's
+    // factor and its product without a fused addition. The sum is rounded to the unit, 2^-12, like the constant. A
+    // fourfold unit is allowed for all together.
+    const double terms = std::fmax(std::fabs(double(low)), std::fabs(double(high))) * std::fabs(i_factor)
+        + std::fabs(i_constant);
+    guess.usable = isModerate() && terms < 600.0;
+    guess.factor = Ipp32f(i_factor);
+    guess.constant = Ipp32f(i_constant + 0.5 + 0x4p-12 + 0x1.8p11);
 }
 
 bool FloatChain::isModerate() const

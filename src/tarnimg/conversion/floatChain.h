@@ -15,6 +15,19 @@ struct FloatChain {
     Ipp32f divisor; ///< nor does 1
     Ipp32f summand; ///< nor does -0
 
+    /**
+     * For targets of 8 bits that the output range does not leave: one multiplication and one addition, whose constant
+     * is so large that the float's low 12 bits are the fraction of the result plus a half, and 4 in the last place.
+     */
+    struct Guess {
+        bool usable = false;
+        Ipp32f factor = 0;
+        Ipp32f constant = 0;
+    } guess;
+
+    /** Finds the guess for an output range in double precision. */
+    void setGuess(double i_factor, double i_constant);
+
     /** All numbers are so far from the ends of the float range that a quotient can be made of products. */
     bool isModerate() const;
 };

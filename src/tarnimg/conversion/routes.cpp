@@ -1,6 +1,7 @@
 #include "conversion/routes.h"
 
 #include "conversion/cImageConverter.h"
+#include "conversion/expandColour.h"
 
 #include <tarnbase/cTracer.h>
 #include <tarnimg/cImg.h>
@@ -86,6 +87,15 @@ void setAlpha(Program& io_program, Ipp8u i_alpha)
     });
 }
 
+/** The last step to RGB32. */
+void addExpand(Program& io_program, ColourExpanders::Row i_expand)
+{
+    io_program.move(4, [i_expand](const Tile& tile, SourceRows source, TargetRows target) {
+        for (int y = 0; y < tile.height; ++y)
+            i_expand(source.first + y * source.pitch, target.first + y * target.pitch, std::size_t(tile.width));
+    });
+}
+
 /** The constants are equal in all channels, so the grey value takes them before it is spread. */
 void uInt8ToGrey(Program& io_program, const Ranges& i_ranges)
 {
@@ -103,8 +113,7 @@ void uInt8ToRgb24(Program& io_program, const Ranges& i_ranges)
 void uInt8ToRgb32(Program& io_program, const Ranges& i_ranges)
 {
     uInt8ToGrey(io_program, i_ranges);
-    addMove(io_program, 4, ippiDup_8u_C1C4R);
-    setAlpha(io_program, 255);
+    addExpand(io_program, colourExpanders().fromGrey);
 }
 
 // ---- Colour to colour ------------------------------------------------------------------------------------------
@@ -122,8 +131,7 @@ void rgb24ToRgb32(Program& io_program, const Ranges& i_ranges)
 {
     addSubtract<Ipp8u>(io_program, 3, i_ranges);
     addStretch<Ipp8u>(io_program, 3, i_ranges);
-    addMove(io_program, 4, ippiCopy_8u_C3AC4R);
-    setAlpha(io_program, 255);
+    addExpand(io_program, colourExpanders().fromRgb24);
 }
 
 /** The input range does not limit the pixels here either. */
@@ -292,8 +300,9 @@ constexpr Route s_routes[s_numTypes][s_numTypes] = {
     // SInt64
     {none, none, none, none, none, none, none, none, generic<qint64, qint64>, none, none},
     // Float32
-    {toRgb24<addFloatChain<Ipp8u>>, toRgb32<addFloatChain<Ipp8u>>, addFloatChain<Ipp8u>, addFloatChain<Ipp16u>, generic<float, quint32>,
-        addFloatChain<Ipp8s>, addFloatChain<Ipp16s>, generic<float, qint32>, none, addFloatChain<Ipp32f>, generic<float, double>},
+    {toRgb24<addFloatChain<Ipp8u>>, toRgb32<addFloatChain<Ipp8u>>, addFloatChain<Ipp8u>, addFloatChain<Ipp16u>,
+        generic<float, quint32>, addFloatChain<Ipp8s>, addFloatChain<Ipp16s>, generic<float, qint32>, none,
+        addFloatChain<Ipp32f>, generic<float, double>},
     // Float64
     {toRgb24<generic<double, quint8>>, toRgb32<generic<double, quint8>>, generic<double, quint8>,
         generic<double, quint16>, generic<double, quint32>, generic<double, qint8>, generic<double, qint16>,

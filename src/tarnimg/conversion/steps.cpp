@@ -167,13 +167,17 @@ void addFloatChain(Program& io_program, const Ranges& i_ranges)
     const cDblRange& in = i_ranges.input;
     const cDblRange& out = i_ranges.output;
     const auto divisor = Ipp32f(in.getLength() / out.getLength());
-    const FloatChain chain{
+    FloatChain chain{
         .low = Ipp32f(in.getLow()),
         .high = Ipp32f(in.getHigh()),
         .subtrahend = in.getLow() != 0.0 ? Ipp32f(in.getLow()) : 0.0f,
         .divisor = divisor != 0.0f ? divisor : 1.0f, // nothing is divided by 0: an output range far too wide
         .summand = out.getLow() != 0.0 ? Ipp32f(out.getLow()) : -0.0f,
+        .guess = {},
     };
+    if (out.getLow() >= std::numeric_limits<T>::lowest() && out.getHigh() <= std::numeric_limits<T>::max()
+        && divisor != 0.0f)
+        chain.setGuess(i_ranges.factor(), out.getLow() - in.getLow() * i_ranges.factor());
     io_program.move(int(sizeof(T)), [chain](const Tile& tile, SourceRows source, TargetRows target) {
         const auto convert = std::get<FloatChainRow<T>>(floatChainTable());
         for (int y = 0; y < tile.height; ++y) {

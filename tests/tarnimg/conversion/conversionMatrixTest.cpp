@@ -293,3 +293,50 @@ TEST_P(conversionMatrixTest, EveryGreyLevelOfSixteenBitsIsStretchedAsInTheRefere
                 for (const Range& output : {Range{0, 255}, Range{0, 65535}, Range{-10, 10}, Range{1, 1.5}})
                     expectConversion(levels, to, input, output);
 }
+
+namespace {
+
+/** Values that are mapped next to a half, from a few steps of T below it to a few above. */
+template <class T>
+reference::Image imageNextToHalves(reference::Type i_type, Range i_input, Range i_output)
+{
+    constexpr int halves = 64, steps = 7;
+    reference::Image image(i_type, steps, halves);
+    const double factor = (i_output.high - i_output.low) / (i_input.high - i_input.low);
+    for (int k = 0; k < halves; ++k) {
+        const double whole = std::floor(i_output.low + (i_output.high - i_output.low) * k / halves);
+        auto value = T(i_input.low + (whole + 0.5 - i_output.low) / factor);
+        for (int i = 0; i < steps / 2; ++i)
+            value = std::nextafter(value, std::numeric_limits<T>::lowest());
+        for (int i = 0; i < steps; ++i) {
+            std::memcpy(image.bytes.data() + size_t(k * steps + i) * sizeof(T), &value, sizeof(T));
+            value = std::nextafter(value, std::numeric_limits<T>::max());
+        }
+    }
+    return image;
+}
+
+} // namespace
+
+TEST_P(conversionMatrixTest, ValuesNextToAHalfAreRoundedAsInTheReference)
+{
+    for (const Range& input : {Range{-1, 1}, Range{-300, 300}, Range{0, 1000}, Range{-1e6, 3e6}, Range{10.25, 11.5}})
+        for (const Range& output : {Range{0, 255}, Range{-128, 127}, Range{-300, 300}, Range{-5.5, 100.25},
+                 Range{0, 65535}, Range{-2147483648.0, 2147483647.0}})
+            for (const reference::Type to : reference::everyType)
+                if (reference::isSupported(reference::Float64, to)) {
+                    expectConversion(imageNextToHalves<double>(reference::Float64, input, output), to, input, output);
+                    expectConversion(imageNextToHalves<float>(reference::Float32, input, output), to, input, output);
+                }
+}
+
+TEST_P(conversionMatrixTest, MappingsOntoHalvesAreRoundedAsInTheReference)
+{
+    // Every second pixel lies on a half, or each one does.
+    for (const reference::Type from :
+        {reference::UInt8, reference::SInt8, reference::UInt16, reference::SInt16, reference::SInt32})
+        for (const reference::Type to : reference::everyType)
+            if (reference::isSupported(from, to))
+                for (const Range& output : {Range{0, 50}, Range{-25, 25}, Range{0.5, 100.5}, Range{-0.5, 99.5}})
+                    expectConversion(randomImage(from, 300, 3), to, {0, 100}, output);
+}
