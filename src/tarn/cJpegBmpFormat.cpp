@@ -62,10 +62,10 @@ cImg cQImageFormat::decode(const unsigned char* i_data, std::size_t i_size) cons
     QImage image;
     if (!reader.read(&image))
         fail(QStringLiteral("%1: %2").arg(getName(), reader.errorString()));
-    if (!image.hasAlphaChannel() && !(image.depth() <= 8 && image.isGrayscale()))
-        image = image.convertToFormat(QImage::Format_RGB888);
-    else if (image.depth() < 8)
+    if (image.depth() <= 8 && image.allGray())
         image = image.convertToFormat(QImage::Format_Grayscale8);
+    else if (!image.hasAlphaChannel())
+        image = image.convertToFormat(QImage::Format_RGB888);
     return cImg::fromQImage(image);
 }
 

@@ -135,7 +135,7 @@ QString exampleLine(const QString& i_identifier, const cStationInfo& i_info, con
     const auto outports = i_station.getOutports();
     const bool gives = std::any_of(
         outports.begin(), outports.end(), [](const cOPortBase* i_port) { return dynamic_cast<const cOPort<cImg>*>(i_port); });
-    const QString sink = gives ? QStringLiteral(" ! save out/{stem}.png") : QString();
+    const QString sink = gives ? QStringLiteral(" ! save out/{stem}.tif") : QString();
     if (imageInputs.isEmpty())
         return self + sink;
     if (imageInputs.size() == 1)
