@@ -25,7 +25,7 @@ void binary(const char* i_name, std::initializer_list<cImgType::ImageTypes> i_ty
             registerDuel(s_group, nameOf(i_name, type), width, height, [=] {
                 const cImg a = noise(type, width, height, 1);
                 const cImg b = noise(type, width, height, 2);
-                return Duel{s_group, i_name, width, height, std::size_t(a.getFrameSize()) * 3,
+                return Duel {s_group, i_name, width, height, std::size_t(a.getFrameSize()) * 3,
                     [a, b, functor = Functor()]() mutable { functor(a, b); },
                     [a, b, result = cv::Mat(), i_theirs]() mutable { i_theirs(asMat(a), asMat(b), result); }};
             });
@@ -46,7 +46,7 @@ void registerAbs(cImgType::ImageTypes i_type)
     atEachSize([=](unsigned width, unsigned height) {
         registerDuel(s_group, nameOf("abs", i_type), width, height, [=] {
             const cImg a = noise(i_type, width, height, 1);
-            return Duel{s_group, "abs", width, height, std::size_t(a.getFrameSize()) * 2,
+            return Duel {s_group, "abs", width, height, std::size_t(a.getFrameSize()) * 2,
                 [a, functor = cImageAbsFunctor()] { functor(a); },
                 [a, result = cv::Mat()]() mutable { cv::absdiff(asMat(a), cv::Scalar::all(0), result); }};
         });
@@ -64,7 +64,8 @@ template <class Functor> void accumulators(const char* i_name)
                 const cImg a = noise(type, width, height, 1);
                 const cImg b = noise(type, width, height, 2);
                 const std::size_t sumBytes = std::size_t(width) * height * sizeof(float);
-                const std::size_t bytes = std::size_t(a.getFrameSize()) * (takesTwoImages<Functor> ? 2 : 1) + 2 * sumBytes;
+                const std::size_t bytes
+                    = std::size_t(a.getFrameSize()) * (takesTwoImages<Functor> ? 2 : 1) + 2 * sumBytes;
                 cv::Mat total = cv::Mat::zeros(int(height), int(width), CV_32FC1);
                 const auto ours = [a, b, functor = Functor()]() mutable {
                     if constexpr (takesTwoImages<Functor>)
@@ -78,7 +79,7 @@ template <class Functor> void accumulators(const char* i_name)
                     else
                         cv::accumulateSquare(asMat(a), total);
                 };
-                return Duel{s_group, i_name, width, height, bytes, ours, theirs};
+                return Duel {s_group, i_name, width, height, bytes, ours, theirs};
             });
         });
     }

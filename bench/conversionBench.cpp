@@ -9,7 +9,6 @@ namespace {
 
 const char* const s_group = "Pixel conversion";
 
-
 /** OpenCV's nearest: a linear mapping, before or behind it a change of channels where there is one. */
 struct Theirs {
     cv::Mat source;
@@ -50,8 +49,9 @@ void registerRoute(cImgType::ImageTypes i_from, cImgType::ImageTypes i_to, const
             // A float target keeps the values; every other takes the source's range onto its whole own.
             const cDblRange out = i_to >= cImgType::Float32 ? in : cImg(i_to, 1, 1, 1).getRange();
             const double factor = (out.getHigh() - out.getLow()) / (in.getHigh() - in.getLow());
-            const Theirs theirs{asMat(source), cvTypeOf(result), factor, out.getLow() - in.getLow() * factor, {}, {}};
-            return Duel{s_group, std::string(), width, height,
+            const Theirs theirs {
+                asMat(source), cvTypeOf(result), factor, out.getLow() - in.getLow() * factor, {}, {}};
+            return Duel {s_group, std::string(), width, height,
                 std::size_t(source.getFrameSize()) + result.getFrameSize(),
                 [source, i_to, result]() mutable { source.convertTo(i_to, result); }, theirs};
         });

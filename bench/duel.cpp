@@ -21,14 +21,17 @@ double secondsOf(const std::function<void()>& i_call)
 
 double median(std::vector<double>& io_times)
 {
-    std::nth_element(io_times.begin(), io_times.begin() + std::ptrdiff_t(io_times.size() / 2), io_times.end());
+    std::nth_element(
+        io_times.begin(), io_times.begin() + std::ptrdiff_t(io_times.size() / 2), io_times.end());
     return io_times[io_times.size() / 2];
 }
 
 /** A plain memory copy that moves as many bytes, reading half of them and writing half. */
 struct MemoryCopy {
     explicit MemoryCopy(std::size_t i_bytes)
-        : half(i_bytes / 2), from(new unsigned char[half]()), to(new unsigned char[half]())
+        : half(i_bytes / 2),
+          from(new unsigned char[half]()),
+          to(new unsigned char[half]())
     {
     }
     void operator()() const { std::memcpy(to.get(), from.get(), half); }

@@ -7,7 +7,8 @@
 /**
  * A call of ours beside the nearest call of OpenCV, on the same data, each on one thread.
  *
- * Both alternate within one loop, so that whatever else the machine does meets both alike; the medians are compared.
+ * Both alternate within one loop, so that whatever else the machine does meets both alike; the medians are
+ * compared.
  */
 struct Duel {
     std::string group; ///< the table it belongs to
@@ -19,7 +20,8 @@ struct Duel {
     std::function<void()> theirs;
 };
 
-/** Enters a duel with the benchmark library. `i_make` runs when its turn comes, so that only one duel's images are alive. */
+/** Enters a duel with the benchmark library. `i_make` runs when its turn comes, so that only one duel's
+ * images are alive. */
 void registerDuel(const std::string& i_group, const std::string& i_name, unsigned i_width, unsigned i_height,
     std::function<Duel()> i_make);
 

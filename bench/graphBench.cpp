@@ -17,7 +17,10 @@ using Clock = std::chrono::steady_clock;
 class cRepeatStation : public cSourceStation {
 public:
     cRepeatStation(const cImg& i_image, int i_frames, bool i_oneAtATime)
-        : cSourceStation(QStringLiteral("source")), m_image(i_image), m_frames(i_frames), m_oneAtATime(i_oneAtATime)
+        : cSourceStation(QStringLiteral("source")),
+          m_image(i_image),
+          m_frames(i_frames),
+          m_oneAtATime(i_oneAtATime)
     {
     }
 
@@ -42,7 +45,7 @@ protected:
     }
 
 private:
-    cOPort<cImg> m_out{this, QStringLiteral("img"), 5};
+    cOPort<cImg> m_out {this, QStringLiteral("img"), 5};
     cImg m_image;
     int m_frames;
     int m_sent = 0;
@@ -60,8 +63,8 @@ public:
 private:
     void process(cBufferT<cImg>* i_buffer) { m_out.send(i_buffer->getValue(), i_buffer->getStamp()); }
 
-    cPortGroup<cImg> m_group{this, &cPassStation::process, QStringLiteral("img")};
-    cOPort<cImg> m_out{this, QStringLiteral("img"), 5};
+    cPortGroup<cImg> m_group {this, &cPassStation::process, QStringLiteral("img")};
+    cOPort<cImg> m_out {this, QStringLiteral("img"), 5};
 };
 
 /** Takes everything. */
@@ -73,7 +76,7 @@ private:
     void process(cBufferT<cImg>*) { m_source.noteArrival(); }
 
     cRepeatStation& m_source;
-    cPortGroup<cImg> m_group{this, &cEndStation::process, QStringLiteral("img")};
+    cPortGroup<cImg> m_group {this, &cEndStation::process, QStringLiteral("img")};
 };
 
 struct Result {
@@ -137,7 +140,9 @@ void registerGraph()
         for (const bool oneAtATime : {true, false}) {
             const std::string name = "graph|chain of " + std::to_string(stations)
                 + (oneAtATime ? ", one frame at a time" : ", frames in flight");
-            benchmark::RegisterBenchmark(name.c_str(), chain, stations, oneAtATime)->UseManualTime()->Iterations(5);
+            benchmark::RegisterBenchmark(name.c_str(), chain, stations, oneAtATime)
+                ->UseManualTime()
+                ->Iterations(5);
         }
     }
 }

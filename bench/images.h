@@ -8,16 +8,26 @@
 inline int cvTypeOf(const cImg& i_image)
 {
     switch (i_image.getImgType().getTypeId()) {
-    case cImgType::RGB24: return CV_8UC3;
-    case cImgType::RGB32: return CV_8UC4;
-    case cImgType::UInt8: return CV_8UC1;
-    case cImgType::UInt16: return CV_16UC1;
-    case cImgType::SInt8: return CV_8SC1;
-    case cImgType::SInt16: return CV_16SC1;
-    case cImgType::SInt32: return CV_32SC1;
-    case cImgType::Float32: return CV_32FC1;
-    case cImgType::Float64: return CV_64FC1;
-    default: return -1;
+    case cImgType::RGB24:
+        return CV_8UC3;
+    case cImgType::RGB32:
+        return CV_8UC4;
+    case cImgType::UInt8:
+        return CV_8UC1;
+    case cImgType::UInt16:
+        return CV_16UC1;
+    case cImgType::SInt8:
+        return CV_8SC1;
+    case cImgType::SInt16:
+        return CV_16SC1;
+    case cImgType::SInt32:
+        return CV_32SC1;
+    case cImgType::Float32:
+        return CV_32FC1;
+    case cImgType::Float64:
+        return CV_64FC1;
+    default:
+        return -1;
     }
 }
 

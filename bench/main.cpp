@@ -42,7 +42,8 @@ public:
     void ReportRuns(const std::vector<Run>& i_runs) override
     {
         for (const Run& run : i_runs) {
-            const auto parts = split(run.benchmark_name().substr(0, run.benchmark_name().find("/min_time")), '|');
+            const auto parts
+                = split(run.benchmark_name().substr(0, run.benchmark_name().find("/min_time")), '|');
             if (run.counters.count("ratio") && parts.size() == 3)
                 reportDuel(parts, run);
             else
@@ -77,7 +78,8 @@ private:
         if (m_group != i_parts[0]) {
             endTable();
             m_group = i_parts[0];
-            std::printf("\n### %s\n\n| Operation | Size | Times OpenCV | GB/s | Of a memory copy |\n|---|---|---:|---:|---:|\n",
+            std::printf("\n### %s\n\n| Operation | Size | Times OpenCV | GB/s | Of a memory copy "
+                        "|\n|---|---|---:|---:|---:|\n",
                 m_group.c_str());
         }
         const double ratio = i_run.counters.at("ratio");

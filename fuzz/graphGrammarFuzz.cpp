@@ -1,4 +1,5 @@
-// Whatever text comes as a graph: it is parsed or refused with places, and what was parsed is printed and parsed the same.
+// Whatever text comes as a graph: it is parsed or refused with places, and what was parsed is printed and
+// parsed the same.
 #include "cPipeline.h"
 
 #include <cstdint>

@@ -1,4 +1,5 @@
-// Whatever bytes come as an image: no undefined memory, no great allocation, and what was read is written the same.
+// Whatever bytes come as an image: no undefined memory, no great allocation, and what was read is written the
+// same.
 #include <QBuffer>
 #include <QDataStream>
 #include <cstdint>

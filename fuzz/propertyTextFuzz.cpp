@@ -1,4 +1,5 @@
-// Whatever text comes as a property tree: it is taken or refused, and what was taken is written and read the same.
+// Whatever text comes as a property tree: it is taken or refused, and what was taken is written and read the
+// same.
 #include <QTextStream>
 #include <cstdint>
 #include <cstdlib>

@@ -3,7 +3,8 @@
 #include <QString>
 #include <tarnflow/export.h>
 
-/** A structured exception of the platform, raised on a processing thread by its translator, where there is such a thing. */
+/** A structured exception of the platform, raised on a processing thread by its translator, where there is
+ * such a thing. */
 class TARNFLOW_EXPORT SEHException {
 public:
     explicit SEHException(const QString& i_text) : m_text(i_text) {}

@@ -10,7 +10,8 @@ class cIPortBase;
 class cOPortBase;
 class cPortBase;
 
-/** The inner side of a boundary port: the ports inside the subgraph that it stands for. Guarded by cPortBase::linkMutex. */
+/** The inner side of a boundary port: the ports inside the subgraph that it stands for. Guarded by
+ * cPortBase::linkMutex. */
 class TARNFLOW_EXPORT cBoundary {
 public:
     explicit cBoundary(cPortBase* i_self) : m_self(i_self) {}
@@ -25,7 +26,8 @@ public:
     void enableAudit(bool i_enable);
     /**
      * Cuts every outer link, and then the link to an inner port, if one is given.
-     * @return true when the last inner link has gone: the boundary port has left its node and is to be destroyed.
+     * @return true when the last inner link has gone: the boundary port has left its node and is to be
+     * destroyed.
      */
     bool removeLink(cPortBase* i_port);
 

@@ -13,8 +13,9 @@ class cOPortBase;
 class cPortBase;
 
 /**
- * A stamped, reference-counted parcel on the pool of an output port. Whoever holds one counts as a holder and gives its
- * reference back exactly once; the last one returns the buffer to its pool, with the value left in place.
+ * A stamped, reference-counted parcel on the pool of an output port. Whoever holds one counts as a holder and
+ * gives its reference back exactly once; the last one returns the buffer to its pool, with the value left in
+ * place.
  */
 class TARNFLOW_EXPORT cBuffer {
 public:

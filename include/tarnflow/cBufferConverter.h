@@ -9,7 +9,8 @@ template <class T> class cOPort;
 template <class T> class TARNFLOW_EXPORT cBufferConverter : public cBufferConverterBase {
 public:
     explicit cBufferConverter(const cTypeConverterBase* i_converter)
-        : cBufferConverterBase(i_converter), m_port(nullptr, QString(), defaultPoolSize<T>)
+        : cBufferConverterBase(i_converter),
+          m_port(nullptr, QString(), defaultPoolSize<T>)
     {
     }
 

@@ -22,8 +22,8 @@ public:
     cBufferConverterBase& operator=(const cBufferConverterBase&) = delete;
 
     /**
-     * A buffer with the converted value and the same stamp, with one reference for the caller. The reference to the source
-     * is given back in every case.
+     * A buffer with the converted value and the same stamp, with one reference for the caller. The reference
+     * to the source is given back in every case.
      * @return null for a null source, when the pool gave no buffer, or when the value has no counterpart.
      */
     virtual cBuffer* convert(cBuffer* i_source) = 0;

@@ -23,11 +23,12 @@ Q_DECLARE_FLAGS(StartReasons, EStartReason)
 /**
  * A node of the data flow: a station or a graph.
  *
- * Owns its parameter map. Ports register themselves here when they are attached; they are members of the derived class or
- * of its port groups, or are made dynamically and then owned by the node: what is still registered when the node is destroyed
- * is deleted.
+ * Owns its parameter map. Ports register themselves here when they are attached; they are members of the
+ * derived class or of its port groups, or are made dynamically and then owned by the node: what is still
+ * registered when the node is destroyed is deleted.
  *
- * Lifecycle: initialize, canStart, start, postStart, (running), stop, destroy. The graph calls it, from one thread.
+ * Lifecycle: initialize, canStart, start, postStart, (running), stop, destroy. The graph calls it, from one
+ * thread.
  */
 class TARNFLOW_EXPORT cDfpNode : public QObject {
     Q_OBJECT
@@ -76,7 +77,7 @@ private:
     friend class cGraph;
     QString m_name;
     cGraph* m_graph = nullptr;
-    std::atomic<bool> m_enabled{true};
+    std::atomic<bool> m_enabled {true};
     QList<cIPortBase*> m_inports;
     QList<cOPortBase*> m_outports;
 };

@@ -7,8 +7,8 @@
 template <class T> class cOPort;
 
 /**
- * An output of a subgraph, which stands for output ports inside it. It sends nothing itself: the ports behind it deliver
- * straight to its receivers. It goes away with its last inner link.
+ * An output of a subgraph, which stands for output ports inside it. It sends nothing itself: the ports behind
+ * it deliver straight to its receivers. It goes away with its last inner link.
  */
 template <class T> class TARNFLOW_EXPORT cExport : public cOPort<T> {
 public:
@@ -40,7 +40,10 @@ public:
         if (m_boundary.removeLink(i_port))
             delete this;
     }
-    QList<cOPortBase*> getSender(const std::type_info& i_type) override { return m_boundary.getSender(i_type); }
+    QList<cOPortBase*> getSender(const std::type_info& i_type) override
+    {
+        return m_boundary.getSender(i_type);
+    }
 
 private:
     cBoundary m_boundary {this};

@@ -45,7 +45,8 @@ struct TARNFLOW_EXPORT cFates {
     bool isAllUsed() const { return arrived == used; }
 };
 
-/** The fates of one port with its place in the graph; of an output port only `arrived` (sent) and `lost` are counted. */
+/** The fates of one port with its place in the graph; of an output port only `arrived` (sent) and `lost` are
+ * counted. */
 struct TARNFLOW_EXPORT cPortFates {
     QString node; ///< path of the node
     QString port;

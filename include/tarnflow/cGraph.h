@@ -16,8 +16,9 @@ class cObj;
 /**
  * Stations and subgraphs, the links between their ports, and their common life.
  *
- * A graph is built and changed from one thread. Paths name things in it: "blur", "sub/blur" a node, "blur.img" a port,
- * "blur.maskSize" or "blur.img.delay" a parameter. Functions that can fail return false (or null) and say why in o_error.
+ * A graph is built and changed from one thread. Paths name things in it: "blur", "sub/blur" a node,
+ * "blur.img" a port, "blur.maskSize" or "blur.img.delay" a parameter. Functions that can fail return false
+ * (or null) and say why in o_error.
  */
 class TARNFLOW_EXPORT cGraph : public cDfpNode {
     Q_OBJECT
@@ -40,8 +41,10 @@ public:
 
     // --- building ---
 
-    /** A new station by its identifier or a unique suffix of it. An empty name becomes the identifier's last part and a number. */
-    cStation* addStation(const QString& i_id, const QString& i_name = QString(), cGraphError* o_error = nullptr);
+    /** A new station by its identifier or a unique suffix of it. An empty name becomes the identifier's last
+     * part and a number. */
+    cStation* addStation(
+        const QString& i_id, const QString& i_name = QString(), cGraphError* o_error = nullptr);
     /** Takes over a node that was made elsewhere. On failure the caller keeps it. */
     bool addNode(cDfpNode* i_node, cGraphError* o_error = nullptr);
     /** An empty subgraph. */
@@ -56,11 +59,12 @@ public:
     QList<cStation*> getStations() const;
 
     /**
-     * Links "node.port" with "node.port". Without ".port": the only, or the first free, port that fits the other side's type.
-     * Links may come and go while the graph runs; no delivery over a link is under way any more when `unlink` returns.
+     * Links "node.port" with "node.port". Without ".port": the only, or the first free, port that fits the
+     * other side's type. Links may come and go while the graph runs; no delivery over a link is under way any
+     * more when `unlink` returns.
      *
-     * A named input takes one sender. By the ports themselves it may be given more, which then must announce the same stamps.
-     * A port without a node is a tap of the host, and may be linked at any place.
+     * A named input takes one sender. By the ports themselves it may be given more, which then must announce
+     * the same stamps. A port without a node is a tap of the host, and may be linked at any place.
      */
     bool link(const QString& i_from, const QString& i_to, cGraphError* o_error = nullptr);
     bool link(cOPortBase* i_from, cIPortBase* i_to, cGraphError* o_error = nullptr);
@@ -80,8 +84,8 @@ public:
     /** The entry of a parameter, or null. */
     cObj* findParam(const QString& i_path, cGraphError* o_error = nullptr) const;
     /**
-     * Writes a parameter from its text form: checked first (type, allowed keys, range), then written under the station's
-     * input mutex, so that a change falls between two steps.
+     * Writes a parameter from its text form: checked first (type, allowed keys, range), then written under
+     * the station's input mutex, so that a change falls between two steps.
      */
     bool setParam(const QString& i_path, const QString& i_text, cGraphError* o_error = nullptr);
     bool setParam(const QString& i_path, const QVariant& i_value, cGraphError* o_error = nullptr);
@@ -90,7 +94,8 @@ public:
 
     // --- running ---
 
-    /** What keeps the graph from working: required inputs without a sender, cycles, stations that refuse to start. */
+    /** What keeps the graph from working: required inputs without a sender, cycles, stations that refuse to
+     * start. */
     QList<cGraphError> check() const;
     /** Checks, initialises and starts everything; on failure nothing runs and o_errors says why. */
     bool launch(QList<cGraphError>* o_errors = nullptr);
@@ -101,7 +106,8 @@ public:
     bool isRunning() const;
 
     EFlow getFlow() const;
-    /** Sleeps until the flow is drained, stalled or stopped, or the time is over; returns the flow then. -1: no limit. */
+    /** Sleeps until the flow is drained, stalled or stopped, or the time is over; returns the flow then. -1:
+     * no limit. */
     EFlow waitForFlow(int i_milliseconds = -1);
     /** Who waits for whom, one line for each thread that sleeps for a buffer. */
     QStringList describeWaits() const;
@@ -149,7 +155,8 @@ private:
     // Parameters.
     struct cPlace;
     bool findPlace(const QString& i_path, cPlace& o_place, cGraphError* o_error) const;
-    bool writeParam(const QString& i_path, const std::function<bool(cObj&, QString*)>& i_write, cGraphError* o_error);
+    bool writeParam(
+        const QString& i_path, const std::function<bool(cObj&, QString*)>& i_write, cGraphError* o_error);
 
     EFlow getFlowOfRoot() const;
 

@@ -12,18 +12,23 @@ template <class T> class cExport;
 template <class T> class cBufferConverter;
 
 /**
- * What input ports of all value types share. Derived from by cIPort<T>, which adds what is particular to a type.
+ * What input ports of all value types share. Derived from by cIPort<T>, which adds what is particular to a
+ * type.
  *
- * A port hands buffers either to its list callback (a queue, which takes over the references) or to its direct callback
- * (which only looks: the port gives the reference back when the callback returns). The direct callback goes first. A port
- * without a callback takes nothing. Callbacks are set before the port is linked; they run on the sender's thread.
+ * A port hands buffers either to its list callback (a queue, which takes over the references) or to its
+ * direct callback (which only looks: the port gives the reference back when the callback returns). The direct
+ * callback goes first. A port without a callback takes nothing. Callbacks are set before the port is linked;
+ * they run on the sender's thread.
  */
 template <class T> class TARNFLOW_EXPORT cIPortT : public cIPortBase {
 public:
     using ListCallback = std::function<void(const QList<cBufferT<T>*>&)>;
     using DirectCallback = std::function<void(cBufferT<T>*)>;
 
-    explicit cIPortT(cDfpNode* i_node = nullptr, const QString& i_name = QString()) : cIPortBase(i_node, i_name) {}
+    explicit cIPortT(cDfpNode* i_node = nullptr, const QString& i_name = QString())
+        : cIPortBase(i_node, i_name)
+    {
+    }
 
     void setListCallback(ListCallback i_callback) { m_listCallback = std::move(i_callback); }
     void setDirectCallback(DirectCallback i_callback) { m_directCallback = std::move(i_callback); }
@@ -50,7 +55,8 @@ public:
         return converter ? new cBufferConverter<T>(converter) : nullptr;
     }
 
-    void receiveBuffer(const QList<cBuffer*>& i_buffers, cBufferConverterBase* i_converter, bool i_audit) override
+    void receiveBuffer(
+        const QList<cBuffer*>& i_buffers, cBufferConverterBase* i_converter, bool i_audit) override
     {
         if (i_buffers.size() == 1) {
             if (cBufferT<T>* accepted = receiveOne(i_buffers.first(), i_converter, i_audit))

@@ -35,8 +35,8 @@ public:
     bool isConnected() const override;
     void removeLink(cPortBase* i_port) override;
     /**
-     * The receiving ports behind this one for values of a type, each with the converter that its values need (null: none).
-     * A plain port is its own receiver.
+     * The receiving ports behind this one for values of a type, each with the converter that its values need
+     * (null: none). A plain port is its own receiver.
      */
     virtual QList<QPair<cIPortBase*, cBufferConverterBase*>> getReceiver(const std::type_info& i_type);
     /** Whether a callback takes every buffer as it comes, without a queue. */
@@ -46,9 +46,12 @@ public:
     /** A new converter from a value type to the port's, or null if there is none. The link owns it. */
     virtual cBufferConverterBase* makeBufferConverter(const std::type_info& i_from) = 0;
     /** Takes over one reference of each buffer; runs on the sender's thread. */
-    virtual void receiveBuffer(const QList<cBuffer*>& i_buffers, cBufferConverterBase* i_converter, bool i_audit) = 0;
+    virtual void receiveBuffer(
+        const QList<cBuffer*>& i_buffers, cBufferConverterBase* i_converter, bool i_audit)
+        = 0;
 
-    /** Called for each finished stamp, on the sender's thread: the stamp, and whether the sender has nothing more to come. */
+    /** Called for each finished stamp, on the sender's thread: the stamp, and whether the sender has nothing
+     * more to come. */
     std::function<void(const cBufferStamp&, bool)> m_finishCallback;
 
     /** What became of the frames that arrived here. Any thread, any time. */
@@ -81,7 +84,8 @@ private:
 
     std::atomic<quint64> m_refused {0};
     std::atomic<quint64> m_direct {0}; ///< taken by a direct callback
-    mutable std::atomic<quint64> m_senders {0}; ///< link generation * 2^16 + count of enabled senders, as last computed
+    mutable std::atomic<quint64> m_senders {
+        0}; ///< link generation * 2^16 + count of enabled senders, as last computed
     mutable std::mutex m_historyMutex; ///< guards m_history
     std::unique_ptr<History> m_history;
 };

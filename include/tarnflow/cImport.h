@@ -6,8 +6,8 @@
 template <class T> class cIPort;
 
 /**
- * An input of a subgraph, which stands for input ports inside it. It holds no data: senders deliver straight to the ports
- * behind it. It goes away with its last inner link.
+ * An input of a subgraph, which stands for input ports inside it. It holds no data: senders deliver straight
+ * to the ports behind it. It goes away with its last inner link.
  */
 template <class T> class TARNFLOW_EXPORT cImport : public cIPort<T> {
 public:

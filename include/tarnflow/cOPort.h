@@ -11,14 +11,16 @@ template <class T> class cOPort;
 template <class T> class cImport;
 template <class T> class cExport;
 
-/** What output ports of all value types share. Derived from by cOPort<T>, which adds what is particular to a type. */
+/** What output ports of all value types share. Derived from by cOPort<T>, which adds what is particular to a
+ * type. */
 template <class T> class TARNFLOW_EXPORT cOPortT : public cOPortBase {
 public:
     using SendObserver = std::function<void(const T&, const QString&)>;
 
     /** Not attached, and without a pool: no buffer is ever given until `init`. */
     cOPortT() : cOPortBase(nullptr, QString(), 0) {}
-    cOPortT(cDfpNode* i_node, const QString& i_name, unsigned int i_poolSize) : cOPortBase(i_node, i_name, i_poolSize)
+    cOPortT(cDfpNode* i_node, const QString& i_name, unsigned int i_poolSize)
+        : cOPortBase(i_node, i_name, i_poolSize)
     {
     }
 
@@ -53,8 +55,8 @@ public:
     }
 
     /**
-     * A buffer to write the result in: the given one itself, with one more reference, if the caller is its only holder;
-     * otherwise one of the pool with the same value and stamp.
+     * A buffer to write the result in: the given one itself, with one more reference, if the caller is its
+     * only holder; otherwise one of the pool with the same value and stamp.
      * @param o_value its value, null if the pool gave no buffer
      */
     cBufferT<T>* getFreeOrDuplicateBuffer(cBufferT<T>* i_buffer, T*& o_value)
@@ -77,9 +79,9 @@ public:
     }
 
     /**
-     * Sets who is told of each value that `send` sends, with the path of this port; an empty function ends it. The observer
-     * counts as somebody who wants data, and runs on the sender's thread. Any thread may set it, at any time; the one that
-     * was there may still be running when this returns.
+     * Sets who is told of each value that `send` sends, with the path of this port; an empty function ends
+     * it. The observer counts as somebody who wants data, and runs on the sender's thread. Any thread may set
+     * it, at any time; the one that was there may still be running when this returns.
      */
     void setSendObserver(SendObserver i_observer)
     {

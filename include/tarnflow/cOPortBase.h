@@ -19,8 +19,8 @@ class cStation;
 /**
  * An output port: a pool of buffers and the receivers they go to.
  *
- * The pool holds at most `getPoolLimit()` buffers, and room for what delayed inputs behind this port hold back. A sender
- * that waits for a buffer sleeps until a holder gives one back or the graph stops.
+ * The pool holds at most `getPoolLimit()` buffers, and room for what delayed inputs behind this port hold
+ * back. A sender that waits for a buffer sleeps until a holder gives one back or the graph stops.
  */
 class TARNFLOW_EXPORT cOPortBase : public cPortBase {
     Q_OBJECT
@@ -34,8 +34,8 @@ public:
     bool requestsData() const;
 
     /**
-     * A free buffer with one reference for the caller. With i_wait it sleeps at the limit; null when the port was stopped
-     * meanwhile, or at the limit without i_wait.
+     * A free buffer with one reference for the caller. With i_wait it sleeps at the limit; null when the port
+     * was stopped meanwhile, or at the limit without i_wait.
      */
     cBuffer* getFreeBufferBase(bool i_wait);
     /** Delivers to all receivers on the caller's thread; the caller's reference passes on. */
@@ -44,14 +44,16 @@ public:
     void releaseAndUnrefBuffer(cBuffer* i_buffer);
     /**
      * Tells all receivers that this stamp is finished.
-     * @param i_idle nothing more comes from here until data comes again: receivers need not wait for this port.
+     * @param i_idle nothing more comes from here until data comes again: receivers need not wait for this
+     * port.
      */
     void sendFinish(const cBufferStamp& i_stamp, bool i_idle = false);
-    /** Announces that nothing more comes from here for now, with the newest stamp that was announced before. */
+    /** Announces that nothing more comes from here for now, with the newest stamp that was announced before.
+     */
     void sendIdle();
     /**
-     * A private buffer with the value and stamp of another of this port, with one reference for the caller. It counts for
-     * no pool and dies with its last holder.
+     * A private buffer with the value and stamp of another of this port, with one reference for the caller.
+     * It counts for no pool and dies with its last holder.
      */
     cBuffer* makePrivateCopy(cBuffer* i_buffer);
 
@@ -65,7 +67,8 @@ public:
     /** Buffers made so far, and how many of them are with holders. */
     int getBufferCount() const;
     int getHeldCount() const;
-    /** From now on nobody sleeps for a buffer of this port or of a link's converter (true), or they may again (false). */
+    /** From now on nobody sleeps for a buffer of this port or of a link's converter (true), or they may again
+     * (false). */
     void setStopped(bool i_stopped);
     /** Whether a thread sleeps for a buffer of this port just now. */
     bool isBlocked() const;
@@ -84,7 +87,8 @@ public:
     cFates getFates() const;
     void noteLost();
 
-    /** Waits until no delivery is under way that began before the last change of links, this thread's own ones excepted. */
+    /** Waits until no delivery is under way that began before the last change of links, this thread's own
+     * ones excepted. */
     void waitForDeliveries();
 
 protected:

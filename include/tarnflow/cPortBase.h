@@ -54,7 +54,8 @@ public:
     /** Keeps a record of a buffer's passage; the newest 256 are kept. Any thread. */
     void addAuditRecord(const cBufferStamp& i_stamp, const QString& i_text);
     QList<cAuditRecord> getAuditRecords() const;
-    /** Forgets the port's links; the far ends are told. Deliveries over these links have ended when it returns. */
+    /** Forgets the port's links; the far ends are told. Deliveries over these links have ended when it
+     * returns. */
     void removeChannels();
     /** The far ends of the port's links, in the order in which they were made. */
     QList<cPortBase*> getLinkedPorts() const;
@@ -80,8 +81,8 @@ public:
     virtual bool isJustDeclared() const;
     virtual void enableAudit(bool i_enable);
     /**
-     * Whether a link with the other port can carry data at all, as far as it is known before any data flows. The default
-     * compares the value types; whether a value converter helps is the graph's question.
+     * Whether a link with the other port can carry data at all, as far as it is known before any data flows.
+     * The default compares the value types; whether a value converter helps is the graph's question.
      */
     virtual bool checkStaticData(const cPortBase* i_other);
 
@@ -91,7 +92,8 @@ public:
     /** Lets a boundary port stand for one more port inside; false for a port that is no boundary. */
     virtual bool addInner(cPortBase* i_port);
 
-    /** Guards all links and the tree of nodes. No callback runs under it, and no other mutex of a port or group is taken. */
+    /** Guards all links and the tree of nodes. No callback runs under it, and no other mutex of a port or
+     * group is taken. */
     static std::recursive_mutex& linkMutex();
     /** Counts the changes of links, boundaries and enabled flags, in all graphs. */
     static quint64 getLinkGeneration() { return s_generation.load(std::memory_order_acquire); }
@@ -101,11 +103,13 @@ protected:
     friend class cBoundary;
     friend class cGraph;
     /** Enters each port in the other's list. */
-    static void linkPorts(cPortBase* i_from, cPortBase* i_to, std::shared_ptr<cBufferConverterBase> i_converter);
+    static void linkPorts(
+        cPortBase* i_from, cPortBase* i_to, std::shared_ptr<cBufferConverterBase> i_converter);
     /** Takes each port from the other's list; false if they were not linked. */
     static bool unlinkPorts(cPortBase* i_a, cPortBase* i_b);
     void attach(cDfpNode* i_node, const QString& i_name);
-    /** What `removeLink` and the destructors do: cuts links at both ends, without waiting for deliveries under way. */
+    /** What `removeLink` and the destructors do: cuts links at both ends, without waiting for deliveries
+     * under way. */
     void removeOneLink(cPortBase* i_port);
     void removeAllLinks();
     /** The converter that some link brings for values of a type, or null. */
@@ -116,7 +120,8 @@ protected:
     std::atomic<bool> m_audit {false};
     QVector<cPortLink> m_links; ///< guarded by linkMutex
 
-    /** Converters of links that have gone, until no buffer of theirs is held any more; guarded by linkMutex. */
+    /** Converters of links that have gone, until no buffer of theirs is held any more; guarded by linkMutex.
+     */
     QVector<std::shared_ptr<cBufferConverterBase>> m_retired;
 
 private:

@@ -3,8 +3,8 @@
 #include <tarnflow/cStation.h>
 
 /**
- * A station that makes data: while the graph runs, its processing thread calls `produce` again and again, until it says
- * that there is nothing more.
+ * A station that makes data: while the graph runs, its processing thread calls `produce` again and again,
+ * until it says that there is nothing more.
  *
  * After the last call every output announces that it is idle, so that no receiver waits for it.
  */
@@ -19,14 +19,15 @@ public:
     /** A source that is disabled while it runs pauses, and goes on when it is enabled again. */
     void enableChanged(bool i_enabled) override;
 
-    /** Asks the source to end after the step that is under way; what it sent is still processed. Any thread. */
+    /** Asks the source to end after the step that is under way; what it sent is still processed. Any thread.
+     */
     void finish();
 
 protected:
     /**
-     * Makes the next frame: sends it on the outputs and announces its stamp with `cOPortBase::sendFinish`. Stamps ascend.
-     * Runs on the processing thread under the input mutex. An exception is reported as an error of this station and the
-     * source goes on with the next call.
+     * Makes the next frame: sends it on the outputs and announces its stamp with `cOPortBase::sendFinish`.
+     * Stamps ascend. Runs on the processing thread under the input mutex. An exception is reported as an
+     * error of this station and the source goes on with the next call.
      * @return false when there is nothing more.
      */
     virtual bool produce() = 0;

@@ -16,8 +16,8 @@ class cStationThread;
 using cStationFactory = cStation* (*)();
 
 /**
- * A node that computes: ports, parameters, and one processing thread that exists from the first job on and sleeps while
- * there is nothing to do.
+ * A node that computes: ports, parameters, and one processing thread that exists from the first job on and
+ * sleeps while there is nothing to do.
  */
 class TARNFLOW_EXPORT cStation : public cDfpNode {
     Q_OBJECT
@@ -31,7 +31,8 @@ public:
     static bool registercStation(const QString& i_id, cStationFactory i_factory, const cStationInfo& i_info);
     /** All identifiers, sorted. */
     static QStringList getIdentifiers();
-    /** The identifiers that equal the text or end in "/" + text. More than one means the text is ambiguous. */
+    /** The identifiers that equal the text or end in "/" + text. More than one means the text is ambiguous.
+     */
     static QStringList resolveIdentifier(const QString& i_text);
     /** A new station, or null for an unknown identifier. The caller owns it. */
     static cStation* create(const QString& i_id);
@@ -45,8 +46,9 @@ public:
     QMutex& getInputMutex() { return m_inputMutex; }
 
     /**
-     * Queues a job for the processing thread, in the order of the stamps (jobs of equal stamps stay in their order).
-     * Returns at once, and is called with the group's mutex held. Jobs queued while the station is stopped are dropped.
+     * Queues a job for the processing thread, in the order of the stamps (jobs of equal stamps stay in their
+     * order). Returns at once, and is called with the group's mutex held. Jobs queued while the station is
+     * stopped are dropped.
      */
     void add2CallbackQueue(std::function<bool()>&& i_function, cPortGroupBase* i_group, qint64 i_stamp);
 
@@ -59,18 +61,19 @@ public:
     void stop() override;
 
     /**
-     * True after an exception that is no std::exception ended a step: the input mutex stays locked, so no further step
-     * of this station can start until the next start.
+     * True after an exception that is no std::exception ended a step: the input mutex stays locked, so no
+     * further step of this station can start until the next start.
      */
     bool isDead() const;
     /** Called in that case, on the thread that holds the input mutex. The graph is told. */
     void markDead();
-    /** Tells the graphs around the station of a failure. Never throws; listeners run on the caller's thread. */
+    /** Tells the graphs around the station of a failure. Never throws; listeners run on the caller's thread.
+     */
     void reportError(const cError& i_error);
 
     /**
-     * With true there is no processing thread: jobs stay queued until `runNextJob` is called. For a host (or a test) that
-     * steps through the flow by itself; only while the station is stopped.
+     * With true there is no processing thread: jobs stay queued until `runNextJob` is called. For a host (or
+     * a test) that steps through the flow by itself; only while the station is stopped.
      */
     void setManual(bool i_manual);
     bool isManual() const;
@@ -86,7 +89,8 @@ public:
 
 private:
     friend class cGraph;
-    /** The first half of a stop: drops the queued jobs and wakes whoever sleeps for a buffer of this station. */
+    /** The first half of a stop: drops the queued jobs and wakes whoever sleeps for a buffer of this station.
+     */
     void halt();
     /** Unlocks the input mutex of a dead station. */
     void revive();

@@ -6,8 +6,8 @@
 #include <tarnflow/export.h>
 
 /**
- * What only a person can say about a station. It stands with the class, at its registration; ports, types, defaults and
- * allowed keys come from the live object.
+ * What only a person can say about a station. It stands with the class, at its registration; ports, types,
+ * defaults and allowed keys come from the live object.
  */
 struct TARNFLOW_EXPORT cStationInfo {
     struct Param {
@@ -17,5 +17,6 @@ struct TARNFLOW_EXPORT cStationInfo {
     QString summary; ///< one sentence
     QList<Param> params;
     QStringList notes; ///< where the behaviour differs from what the name suggests
-    QString mainParam; ///< the parameter that a bare word after the station's name sets in a graph text; may be empty
+    QString mainParam; ///< the parameter that a bare word after the station's name sets in a graph text; may
+                       ///< be empty
 };

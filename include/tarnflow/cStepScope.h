@@ -5,8 +5,8 @@
 /**
  * Watches one process step on the thread that runs it, so that the frame's fate can be told afterwards.
  *
- * A port group opens a scope around each step. Output ports and stations note what happens through the static functions,
- * which do nothing on a thread that runs no step.
+ * A port group opens a scope around each step. Output ports and stations note what happens through the static
+ * functions, which do nothing on a thread that runs no step.
  */
 class TARNFLOW_EXPORT cStepScope {
 public:
@@ -17,7 +17,8 @@ public:
         Ignored ///< the step passed the frame over
     };
 
-    /** For as long as it lives, what happens on this thread is not of the step: receivers are being called. */
+    /** For as long as it lives, what happens on this thread is not of the step: receivers are being called.
+     */
     class TARNFLOW_EXPORT Suspension {
     public:
         Suspension();

@@ -12,8 +12,8 @@
 /**
  * The text form of a value that travels through ports, for audits and queue listings.
  *
- * The general form is what `operator<<` of QTextStream writes. A library whose value types have another one specialises
- * this template beside the type.
+ * The general form is what `operator<<` of QTextStream writes. A library whose value types have another one
+ * specialises this template beside the type.
  */
 template <class T> struct cValueText {
     static void write(QTextStream& io_stream, const T& i_value) { io_stream << i_value; }

@@ -11,11 +11,11 @@
 #include <type_traits>
 
 /**
- * A station that runs a functor: it builds the ports, enters the functor's parameters into its own map, tells the ports
- * what the functor supports, and turns each matched set of inputs into one output.
+ * A station that runs a functor: it builds the ports, enters the functor's parameters into its own map, tells
+ * the ports what the functor supports, and turns each matched set of inputs into one output.
  *
- * Nothing is computed while nobody wants the output. An invalid result image is not sent, which is no error; a functor's
- * exception goes to the port group, which reports it.
+ * Nothing is computed while nobody wants the output. An invalid result image is not sent, which is no error;
+ * a functor's exception goes to the port group, which reports it.
  *
  * This is the form with two inputs. An image result carries none of their attributes.
  */
@@ -26,7 +26,8 @@ public:
     {
     }
     cFunctorStationT(const QString& i_in1, const QString& i_in2, const QString& i_out, const QString& i_name)
-        : cStation(i_name), m_group(this, &cFunctorStationT::process, i_in1, i_in2),
+        : cStation(i_name),
+          m_group(this, &cFunctorStationT::process, i_in1, i_in2),
           m_out(this, i_out, defaultPoolSize<Out>)
     {
         m_functor.refreshParams(&m_params);
@@ -57,14 +58,18 @@ protected:
 };
 
 /**
- * The form with one input, which works buffer by buffer. An image result carries the attributes of its input; an invalid
- * image at the input is passed over when the result is an image, and left to the functor's check otherwise.
+ * The form with one input, which works buffer by buffer. An image result carries the attributes of its input;
+ * an invalid image at the input is passed over when the result is an image, and left to the functor's check
+ * otherwise.
  */
-template <class Functor, class Out, class In> class cFunctorStationT<Functor, Out, In, void> : public cStation {
+template <class Functor, class Out, class In>
+class cFunctorStationT<Functor, Out, In, void> : public cStation {
 public:
     cFunctorStationT() : cFunctorStationT(QStringLiteral("img"), QStringLiteral("img"), QString()) {}
     cFunctorStationT(const QString& i_in, const QString& i_out, const QString& i_name)
-        : cStation(i_name), m_group(this, &cFunctorStationT::process, i_in), m_out(this, i_out, defaultPoolSize<Out>)
+        : cStation(i_name),
+          m_group(this, &cFunctorStationT::process, i_in),
+          m_out(this, i_out, defaultPoolSize<Out>)
     {
         m_functor.refreshParams(&m_params);
         if constexpr (std::is_same_v<In, cImg>)
@@ -97,7 +102,8 @@ protected:
     Functor m_functor;
 };
 
-/** The form that gives a station nothing but its functor; the derived class declares its ports and its process step. */
+/** The form that gives a station nothing but its functor; the derived class declares its ports and its
+ * process step. */
 template <class Functor> class cFunctorStationT<Functor, void, void, void> : public cStation {
 public:
     explicit cFunctorStationT(const QString& i_name = QString()) : cStation(i_name)

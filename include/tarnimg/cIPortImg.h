@@ -9,9 +9,9 @@
 template <> inline constexpr unsigned int defaultPoolSize<cImg> = 5;
 
 /**
- * An input port for images, with a list of the pixel types that it takes. The list is checked when a link is made and again
- * for each image that arrives in the queue; an image that is not taken is given back with a line on the error trace. The
- * list is filled at construction and not changed while the port is linked.
+ * An input port for images, with a list of the pixel types that it takes. The list is checked when a link is
+ * made and again for each image that arrives in the queue; an image that is not taken is given back with a
+ * line on the error trace. The list is filled at construction and not changed while the port is linked.
  */
 template <> class TARNIMG_EXPORT cIPort<cImg> : public cIPortT<cImg> {
 public:
@@ -19,7 +19,10 @@ public:
     cIPort(cDfpNode* i_node, const QString& i_name);
     ~cIPort() override;
 
-    void addImageType(cImgType::ImageTypes i_type, unsigned int i_channels) { m_supported.add(i_type, i_channels); }
+    void addImageType(cImgType::ImageTypes i_type, unsigned int i_channels)
+    {
+        m_supported.add(i_type, i_channels);
+    }
     const cSupportedImages::List& getSupportedTypes() const { return m_supported.getList(); }
     const cSupportedImages& getSupportedImages() const { return m_supported; }
 

@@ -15,21 +15,22 @@
 class QDataStream;
 class QImage;
 class QTextStream;
-template <class T>
-class c2DPoint;
+template <class T> class c2DPoint;
 
 /**
  * An image: a handle, one pointer wide, that travels by value.
  *
- * Copies share their pixels until somebody writes: every writing member makes a record of its own first (`detach`). A
- * sub-image is a view into its parent's pixels, for writing too; `clone` it to part from the parent. Pixel memory that
- * is no longer used is kept for the next image of the same shape, so new pixels have undefined content.
+ * Copies share their pixels until somebody writes: every writing member makes a record of its own first
+ * (`detach`). A sub-image is a view into its parent's pixels, for writing too; `clone` it to part from the
+ * parent. Pixel memory that is no longer used is kept for the next image of the same shape, so new pixels
+ * have undefined content.
  *
- * A default image is the void image. It is not valid, and neither is an image of size 0 or of an unknown type.
+ * A default image is the void image. It is not valid, and neither is an image of size 0 or of an unknown
+ * type.
  *
- * The address of pixel (x, y) is: data + buffer offset + x * x pitch + y * y pitch. Sizes are pixels; pitches, offsets
- * and sizes of buffers are bytes, unsigned and of 32 bits. An image that would need more is refused like one for which
- * there is no memory: with a report on the error trace and std::bad_alloc.
+ * The address of pixel (x, y) is: data + buffer offset + x * x pitch + y * y pitch. Sizes are pixels;
+ * pitches, offsets and sizes of buffers are bytes, unsigned and of 32 bits. An image that would need more is
+ * refused like one for which there is no memory: with a report on the error trace and std::bad_alloc.
  *
  * Distinct handles may be used by different threads at once; one handle is for one thread at a time.
  */
@@ -37,8 +38,8 @@ class TARNIMG_EXPORT cImg {
 public:
     cImg();
     /**
-     * An image with undefined pixels. If the type is unknown the image is not valid, and unless it is `Invalid` the
-     * error trace tells. Types with a fixed number of channels ignore the number.
+     * An image with undefined pixels. If the type is unknown the image is not valid, and unless it is
+     * `Invalid` the error trace tells. Types with a fixed number of channels ignore the number.
      */
     cImg(cImgType::ImageTypes i_type, unsigned i_width, unsigned i_height, unsigned i_numChannels = 1);
     /**
@@ -46,16 +47,19 @@ public:
      *
      * @param i_xPitch 0 counts as 1
      * @param i_yPitch raised to x pitch * width if it is less
-     * @param i_deleter is called with the memory when the last image lets go of it; empty to leave it to the caller
+     * @param i_deleter is called with the memory when the last image lets go of it; empty to leave it to the
+     * caller
      * @throws std::runtime_error if there is no memory or the type is unknown
      */
-    cImg(cImgType::ImageTypes i_type, unsigned i_width, unsigned i_height, unsigned i_xPitch, unsigned i_yPitch,
-        unsigned char* i_buffer, const std::function<void(void*)>& i_deleter, unsigned i_numChannels = 1);
+    cImg(cImgType::ImageTypes i_type, unsigned i_width, unsigned i_height, unsigned i_xPitch,
+        unsigned i_yPitch, unsigned char* i_buffer, const std::function<void(void*)>& i_deleter,
+        unsigned i_numChannels = 1);
     cImg(const cImg& i_other);
     cImg(cImg&& io_other) noexcept;
     /**
-     * A view into a rectangle of another image, or with `i_deepCopy` a copy of it. The rectangle is cut to the image;
-     * an empty one means the whole image, and then a view is nothing but a plain copy of the handle.
+     * A view into a rectangle of another image, or with `i_deepCopy` a copy of it. The rectangle is cut to
+     * the image; an empty one means the whole image, and then a view is nothing but a plain copy of the
+     * handle.
      */
     cImg(const cImg& i_other, bool i_deepCopy, const cRect<int>& i_rect);
     cImg& operator=(const cImg& i_other);
@@ -67,8 +71,8 @@ public:
     /** As `clone`, but with undefined pixels: for whoever writes all of them at once. */
     cImg cloneWithoutPixels() const;
     /**
-     * Gives this handle a record and pixels of its own if others share them. Pixels that are shared with the parent or
-     * with sub-images stay shared. The void image stays void.
+     * Gives this handle a record and pixels of its own if others share them. Pixels that are shared with the
+     * parent or with sub-images stay shared. The void image stays void.
      */
     void detach()
     {
@@ -103,33 +107,38 @@ public:
     /** Has a descriptor of another type than `Invalid`, and pixels. */
     bool isValid() const
     {
-        return m_data->m_type && m_data->m_type->getTypeId() != cImgType::Invalid && getWidth() && getHeight();
+        return m_data->m_type && m_data->m_type->getTypeId() != cImgType::Invalid && getWidth()
+            && getHeight();
     }
     /** Neither a view of a part of another image nor a copy of one. */
     bool isCompact() const { return !m_data->m_notCompact; }
-    bool isKindOf(cImgType::ImageTypes i_type) const { return isValid() && m_data->m_type->getTypeId() == i_type; }
+    bool isKindOf(cImgType::ImageTypes i_type) const
+    {
+        return isValid() && m_data->m_type->getTypeId() == i_type;
+    }
     /** Both valid, with equal sizes and pitches (types do not count), or both not valid. */
     bool isStructOf(const cImg& i_other) const;
     /** The list is empty or has this image's type; validity does not count. */
     bool checkTypes(const QList<cImgType::ImageTypes>& i_types) const;
     /**
-     * This image is valid, types and structures are equal, and so are the bytes from pixel (0,0) of each on, as many as
-     * this image's whole buffer has. So the memory behind a view's rectangle counts too; of two views into
-     * buffers, what lies behind the end of either buffer does not.
+     * This image is valid, types and structures are equal, and so are the bytes from pixel (0,0) of each on,
+     * as many as this image's whole buffer has. So the memory behind a view's rectangle counts too; of two
+     * views into buffers, what lies behind the end of either buffer does not.
      */
     bool operator==(const cImg& i_other) const;
     bool operator!=(const cImg& i_other) const { return !(*this == i_other); }
 
     /**
-     * The descriptor for writing its settings (style, gamma, parameters). All images that were copied from one
-     * another share it, and this member does not change that.
+     * The descriptor for writing its settings (style, gamma, parameters). All images that were copied from
+     * one another share it, and this member does not change that.
      */
     cImgType& imgType();
 
     void setName(const QString& i_name);
     void setNumFrames(unsigned i_count);
     void setFrameIndex(unsigned i_index);
-    /** Moves a view within its buffer. Refused, with a report on the error trace, if a pixel would lie outside. */
+    /** Moves a view within its buffer. Refused, with a report on the error trace, if a pixel would lie
+     * outside. */
     void setBufferOffset(unsigned i_bytes);
     /** The image takes the transform over. */
     void setTransform(const cTransform* i_transform);
@@ -145,32 +154,36 @@ public:
     /** New pixels with undefined content, unless the size is the present one. */
     void resize(unsigned i_width, unsigned i_height);
     /**
-     * If the image is a valid one of this type: a fresh descriptor, and the pixels stay. Otherwise a new image of
-     * this type with the present size and 1 channel.
+     * If the image is a valid one of this type: a fresh descriptor, and the pixels stay. Otherwise a new
+     * image of this type with the present size and 1 channel.
      */
     void setImgType(cImgType::ImageTypes i_type);
 
     /**
-     * Copies pixels of an image of the same type; the rectangles are cut to both images. Does nothing for another type
-     * or an image that is not valid. Channels are not compared: bytes are copied by this image's pixel size.
+     * Copies pixels of an image of the same type; the rectangles are cut to both images. Does nothing for
+     * another type or an image that is not valid. Channels are not compared: bytes are copied by this image's
+     * pixel size.
      */
     void copyFrom(const cImg& i_source);
     void copyFrom(const cImg& i_source, const c2DPoint<int>& i_destPoint);
     void copyFrom(const cImg& i_source, const cRect<int>& i_sourceRect, const c2DPoint<int>& i_destPoint);
 
     /**
-     * Converts to another pixel type, see `cImgType::convertTo`. `io_result` must not be this very image; its memory is
-     * reused if it fits.
+     * Converts to another pixel type, see `cImgType::convertTo`. `io_result` must not be this very image; its
+     * memory is reused if it fits.
      */
-    bool convertTo(const cImgType::ImageTypes& i_type, cImg& io_result, const cMapObj* i_params = nullptr) const;
+    bool convertTo(
+        const cImgType::ImageTypes& i_type, cImg& io_result, const cMapObj* i_params = nullptr) const;
     bool convertTo(const cImgType& i_type, cImg& io_result, const cMapObj* i_params = nullptr) const;
 
-    /** A copy as `QImage`; null for other types than `RGB24`, `RGB32`, `UInt8` and `UInt16`. Values of `UInt16` above 255
-     * become 255. */
+    /** A copy as `QImage`; null for other types than `RGB24`, `RGB32`, `UInt8` and `UInt16`. Values of
+     * `UInt16` above 255 become 255. */
     QImage toQImage() const;
-    /** A copy of a `QImage` as `UInt8` (grey), `RGB24` (`Format_RGB888` and colour tables) or `RGB32` (all others). */
+    /** A copy of a `QImage` as `UInt8` (grey), `RGB24` (`Format_RGB888` and colour tables) or `RGB32` (all
+     * others). */
     static cImg fromQImage(const QImage& i_image);
-    /** Reads a file with the registered handlers; void, with a report on the error trace, if it cannot be read. */
+    /** Reads a file with the registered handlers; void, with a report on the error trace, if it cannot be
+     * read. */
     static cImg openImg(const QString& i_path);
     /** Writes a file with the registered handlers. */
     bool writeImg(const QString& i_path) const;
@@ -185,19 +198,14 @@ public:
     }
 
     /** Typed access: `T` is the pixel or a channel of it. Only debug builds check the arguments. */
-    template <class T>
-    const T* getRow(unsigned i_y) const;
+    template <class T> const T* getRow(unsigned i_y) const;
     /** Detaches first. */
-    template <class T>
-    T* row(unsigned i_y);
-    template <class T>
-    T getPixel(unsigned i_x, unsigned i_y) const;
+    template <class T> T* row(unsigned i_y);
+    template <class T> T getPixel(unsigned i_x, unsigned i_y) const;
     /** Detaches first. */
-    template <class T>
-    T& pixel(unsigned i_x, unsigned i_y);
+    template <class T> T& pixel(unsigned i_x, unsigned i_y);
     /** Detaches first. */
-    template <class T>
-    void setPixel(unsigned i_x, unsigned i_y, const T& i_value);
+    template <class T> void setPixel(unsigned i_x, unsigned i_y, const T& i_value);
 
 private:
     friend TARNIMG_EXPORT QDataStream& operator<<(QDataStream& io_stream, const cImg& i_image);
@@ -211,15 +219,17 @@ private:
     void detachForWriting();
     void copyArea(const cImg& i_source, const cImgArea& i_area, const c2DPoint<int>& i_destPoint);
     /** Address of a pixel; nothing is checked. */
-    const unsigned char* getConstPixelPrivate(unsigned i_x, unsigned i_y) const { return m_data->pixel(i_x, i_y); }
+    const unsigned char* getConstPixelPrivate(unsigned i_x, unsigned i_y) const
+    {
+        return m_data->pixel(i_x, i_y);
+    }
     /** Detaches first. */
     unsigned char* getPixelPrivate(unsigned i_x, unsigned i_y)
     {
         detach();
         return m_data->pixel(i_x, i_y);
     }
-    template <class T>
-    bool holds(unsigned i_x, unsigned i_y) const
+    template <class T> bool holds(unsigned i_x, unsigned i_y) const
     {
         return isValid() && i_x < getWidth() && i_y < getHeight() && m_data->pixelSize() % sizeof(T) == 0;
     }
@@ -229,45 +239,41 @@ private:
 
 TARNIMG_EXPORT QDataStream& operator<<(QDataStream& io_stream, const cImg& i_image);
 /**
- * Reads what the operator above has written. Input that is corrupt or ends early sets the status of the stream, and
- * leaves the void image.
+ * Reads what the operator above has written. Input that is corrupt or ends early sets the status of the
+ * stream, and leaves the void image.
  */
 TARNIMG_EXPORT QDataStream& operator>>(QDataStream& io_stream, cImg& o_image);
 /** Name, size and type in one line without an end, for people. */
 TARNIMG_EXPORT QTextStream& operator<<(QTextStream& io_stream, const cImg& i_image);
 
-template <class T>
-const T* cImg::getRow(unsigned i_y) const
+template <class T> const T* cImg::getRow(unsigned i_y) const
 {
     Q_ASSERT(holds<T>(0, i_y));
     return reinterpret_cast<const T*>(getConstPixelPrivate(0, i_y));
 }
 
-template <class T>
-T* cImg::row(unsigned i_y)
+template <class T> T* cImg::row(unsigned i_y)
 {
     Q_ASSERT(holds<T>(0, i_y));
     return reinterpret_cast<T*>(getPixelPrivate(0, i_y));
 }
 
-template <class T>
-T cImg::getPixel(unsigned i_x, unsigned i_y) const
+template <class T> T cImg::getPixel(unsigned i_x, unsigned i_y) const
 {
     Q_ASSERT(holds<T>(i_x, i_y));
     T value;
-    std::memcpy(&value, getConstPixelPrivate(i_x, i_y), sizeof(T)); // memory from outside may have any alignment
+    std::memcpy(
+        &value, getConstPixelPrivate(i_x, i_y), sizeof(T)); // memory from outside may have any alignment
     return value;
 }
 
-template <class T>
-T& cImg::pixel(unsigned i_x, unsigned i_y)
+template <class T> T& cImg::pixel(unsigned i_x, unsigned i_y)
 {
     Q_ASSERT(holds<T>(i_x, i_y));
     return *reinterpret_cast<T*>(getPixelPrivate(i_x, i_y));
 }
 
-template <class T>
-void cImg::setPixel(unsigned i_x, unsigned i_y, const T& i_value)
+template <class T> void cImg::setPixel(unsigned i_x, unsigned i_y, const T& i_value)
 {
     Q_ASSERT(holds<T>(i_x, i_y));
     std::memcpy(getPixelPrivate(i_x, i_y), &i_value, sizeof(T));

@@ -30,5 +30,6 @@ public:
     unsigned m_xPitch;
     unsigned m_yPitch;
     bool m_recyclable; ///< May enter the pool. Guarded by the pool's mutex once the buffer is in use.
-    std::atomic<std::int32_t> m_useCount{1}; ///< The records that point here; 1 for a buffer parked in the pool.
+    std::atomic<std::int32_t> m_useCount {
+        1}; ///< The records that point here; 1 for a buffer parked in the pool.
 };

@@ -17,8 +17,8 @@ struct cImgArea;
 /**
  * The record behind one or several handles of class `cImg`; a part of it, of no use by itself.
  *
- * A record without a descriptor (its type could not be made) has no buffer either. A record with a descriptor has a
- * buffer, unless it is the void record or a copy of that.
+ * A record without a descriptor (its type could not be made) has no buffer either. A record with a descriptor
+ * has a buffer, unless it is the void record or a copy of that.
  */
 class cImgData {
 public:
@@ -26,8 +26,9 @@ public:
     static cImgData* voidRecord();
 
     cImgData(cImgType::ImageTypes i_type, unsigned i_width, unsigned i_height, unsigned i_numChannels);
-    cImgData(cImgType::ImageTypes i_type, unsigned i_width, unsigned i_height, unsigned i_xPitch, unsigned i_yPitch,
-        unsigned char* i_data, const std::function<void(void*)>& i_deleter, unsigned i_numChannels);
+    cImgData(cImgType::ImageTypes i_type, unsigned i_width, unsigned i_height, unsigned i_xPitch,
+        unsigned i_yPitch, unsigned char* i_data, const std::function<void(void*)>& i_deleter,
+        unsigned i_numChannels);
     /** What a copy of a record does about the pixels. */
     enum EPixels {
         SharedPixels, ///< a view into those of the other record
@@ -48,8 +49,8 @@ public:
     /** New pixels with undefined content. Throws std::bad_alloc, and then nothing has changed. */
     void replaceBuffer(unsigned i_width, unsigned i_height);
     /**
-     * Copies what both areas have, by this record's pixel size; both lie within their images, and both records have
-     * pixels.
+     * Copies what both areas have, by this record's pixel size; both lie within their images, and both
+     * records have pixels.
      */
     void copyPixels(const cImgData& i_source, const cImgArea& i_from, const cImgArea& i_to);
     unsigned pixelSize() const { return m_type ? m_type->getPixelSize() : 0; }
@@ -61,7 +62,7 @@ public:
             + std::size_t(i_y) * m_buf->m_yPitch;
     }
 
-    std::atomic<std::int32_t> m_refCount{1};
+    std::atomic<std::int32_t> m_refCount {1};
     cImgType* m_type = nullptr; ///< What `m_typeOwner` holds; null if the type could not be made.
     QSharedPointer<cImgType> m_typeOwner;
     cImgBuf* m_buf = nullptr;

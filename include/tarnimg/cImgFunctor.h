@@ -11,12 +11,12 @@ template <> class cIPort<cImg>;
 /**
  * Base of all image operations.
  *
- * A functor is used directly, with no graph: construct it, set its parameters, call `operator()`. Every failure is a
- * std::runtime_error that names the operator; the input images are untouched then. A functor object is for one thread at a
- * time, distinct objects are independent.
+ * A functor is used directly, with no graph: construct it, set its parameters, call `operator()`. Every
+ * failure is a std::runtime_error that names the operator; the input images are untouched then. A functor
+ * object is for one thread at a time, distinct objects are independent.
  *
- * The list of supported inputs names pixel types with channel counts; a channel count of 0 means any. An empty list accepts
- * everything.
+ * The list of supported inputs names pixel types with channel counts; a channel count of 0 means any. An
+ * empty list accepts everything.
  */
 class TARNIMG_EXPORT cImgFunctor {
 public:
@@ -26,12 +26,13 @@ public:
     virtual ~cImgFunctor();
 
     /**
-     * Enters each parameter into a property object, bound by reference: writing an entry changes the functor at once. The
-     * property object owns the entries and must not outlive the functor.
+     * Enters each parameter into a property object, bound by reference: writing an entry changes the functor
+     * at once. The property object owns the entries and must not outlive the functor.
      */
     virtual void refreshParams(cObj* i_params);
 
-    /** Whether the image is valid and its type and channel count are listed; an empty list accepts any image. */
+    /** Whether the image is valid and its type and channel count are listed; an empty list accepts any image.
+     */
     bool isSupported(const cImg& i_image) const;
     const cSupportedImages::List& getSupportedInputs() const { return m_supportedInputs.getList(); }
     /** Appends the supported inputs to what a port takes. */

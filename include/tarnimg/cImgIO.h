@@ -12,8 +12,8 @@
 /**
  * Reads and writes image files of one format.
  *
- * Other libraries derive handlers and register them while they are loaded; this one registers none. The operations of
- * this class itself go through `QImage`, so that a handler can forward to them.
+ * Other libraries derive handlers and register them while they are loaded; this one registers none. The
+ * operations of this class itself go through `QImage`, so that a handler can forward to them.
  */
 class TARNIMG_EXPORT cImgIO {
 public:
@@ -27,8 +27,8 @@ public:
     /** The void image, unless a handler can do better. */
     virtual cImg openImgFromMemory(const char* i_data, unsigned i_size, const cMapObj& i_params);
     /**
-     * Saves through `QImage` in the format of the suffix, or as BMP without one. Other types than `RGB32`, `RGB24` and
-     * `UInt8` are converted to 8 bits, which is told on the standard trace.
+     * Saves through `QImage` in the format of the suffix, or as BMP without one. Other types than `RGB32`,
+     * `RGB24` and `UInt8` are converted to 8 bits, which is told on the standard trace.
      */
     virtual bool writeImg(const QString& i_path, const cImg& i_image, const cObj* i_params);
     /** A new handler of this class, which the caller owns. */
@@ -43,14 +43,14 @@ public:
     static bool registerFileIO(cImgIO* i_handler);
     static QSet<cImgIO*>& getImgIOSet();
     /**
-     * A clone of a handler whose filter contains the extension of the path (in lower case) anywhere in its text; the
-     * first in hash order, null if there is none.
+     * A clone of a handler whose filter contains the extension of the path (in lower case) anywhere in its
+     * text; the first in hash order, null if there is none.
      */
     static QSharedPointer<cImgIO> findReadHandler(const QString& i_path);
     static QSharedPointer<cImgIO> findSaveHandler(const QString& i_path);
     /**
-     * The filter text of a file dialog: the handlers with one of the flags, then the additional entries, each of the
-     * form "filter;name". For reading there are entries for all known files and for all files besides.
+     * The filter text of a file dialog: the handlers with one of the flags, then the additional entries, each
+     * of the form "filter;name". For reading there are entries for all known files and for all files besides.
      */
     static QString getDlgFilterStrings(QFlags<EFileIOFlag> i_flags, const QStringList& i_additional);
 

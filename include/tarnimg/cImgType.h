@@ -16,14 +16,16 @@ class cImg;
 /**
  * What a pixel is and how it is to be shown: type, channels, bytes, value range, style, gamma.
  *
- * Images that were copied from one another share one descriptor, after `cImg::detach` too, so that the settings of a
- * viewer persist from frame to frame. Nothing in a descriptor is locked: images that share one must be rendered or
- * re-ranged by one thread at a time. Descriptors are made by `cImageTypeFactory` and never copied.
+ * Images that were copied from one another share one descriptor, after `cImg::detach` too, so that the
+ * settings of a viewer persist from frame to frame. Nothing in a descriptor is locked: images that share one
+ * must be rendered or re-ranged by one thread at a time. Descriptors are made by `cImageTypeFactory` and
+ * never copied.
  */
 class TARNIMG_EXPORT cImgType : public QObject {
     Q_OBJECT
 public:
-    /** The pixel types. The keys are the type names that appear in messages. Any int may come in from a stream. */
+    /** The pixel types. The keys are the type names that appear in messages. Any int may come in from a
+     * stream. */
     enum ImageTypes : int {
         Invalid = 0,
         RGB24 = 1,
@@ -44,7 +46,8 @@ public:
     Q_ENUM(ImageTypes)
 
     /**
-     * @param i_elementSize bytes of a channel, or of the whole pixel where a type has a fixed number of channels
+     * @param i_elementSize bytes of a channel, or of the whole pixel where a type has a fixed number of
+     * channels
      * @param i_maxRange the widest range that values can have; also the range at the start
      */
     cImgType(unsigned i_elementSize, ImageTypes i_type, const cDblRange& i_maxRange);
@@ -60,7 +63,8 @@ public:
      *
      * @param i_target decides the type of the result, and its output range where nothing else does
      * @param io_result reused if it has the size and the target's type, else replaced
-     * @param i_params null, or a map with "inputRange" and "outputRange" (`cRange<double>`, 0 to 0 means unset)
+     * @param i_params null, or a map with "inputRange" and "outputRange" (`cRange<double>`, 0 to 0 means
+     * unset)
      * @return false, with a report on the error trace, if the pair of types is not supported
      */
     virtual bool convertTo(
@@ -69,7 +73,8 @@ public:
     virtual unsigned getPixelSize() const;
     virtual unsigned getChannelPixelSize() const;
 
-    /** The values of a pixel as text, for integers in decimal or hexadecimal; of several channels the style's one. */
+    /** The values of a pixel as text, for integers in decimal or hexadecimal; of several channels the style's
+     * one. */
     virtual QString pixelToString(const unsigned char* i_pixel, bool i_hexadecimal) const = 0;
     /** The room that the longest pixel text takes in a font, in pixels of the screen. */
     virtual QSize getPixelStringSize(const QFont& i_font, bool i_hexadecimal) const = 0;
@@ -80,17 +85,18 @@ public:
     virtual void setParams(const cMapObj& i_params);
 
     /**
-     * Writes one value into every pixel. Does nothing unless the image is a valid one of this type and the value
-     * converts to its element type. The pixels are detached first.
+     * Writes one value into every pixel. Does nothing unless the image is a valid one of this type and the
+     * value converts to its element type. The pixels are detached first.
      */
     virtual void fill(cImg& io_image, const QVariant& i_value) const = 0;
 
     const cDblRange& getRange() const { return m_range; }
     const cDblRange& getMaxRange() const { return m_maxRange; }
     /**
-     * Sets the range, limited to the greatest one: first its low end, then its high end, and the ends are swapped
-     * whenever limiting puts them out of order. So a range wholly outside keeps one value outside: (300, 400) of
-     * `UInt8` becomes 255 to 300. Without a greatest range the result is always 0 to 0. Emits nothing.
+     * Sets the range, limited to the greatest one: first its low end, then its high end, and the ends are
+     * swapped whenever limiting puts them out of order. So a range wholly outside keeps one value outside:
+     * (300, 400) of `UInt8` becomes 255 to 300. Without a greatest range the result is always 0 to 0. Emits
+     * nothing.
      */
     void setRange(const cDblRange& i_range);
 
@@ -117,14 +123,15 @@ protected:
     cImgType();
 
     /**
-     * What every conversion begins with: checks source and target, makes or keeps the result, copies the attributes,
-     * and finds the ranges. Ranges of 0 to 0 are found from the parameters, the source and the target.
+     * What every conversion begins with: checks source and target, makes or keeps the result, copies the
+     * attributes, and finds the ranges. Ranges of 0 to 0 are found from the parameters, the source and the
+     * target.
      */
-    bool prepareConvert(const cImg& i_source, const cImgType& i_target, cImg& io_result, const cMapObj* i_params,
-        cDblRange& io_inputRange, cDblRange& io_outputRange) const;
+    bool prepareConvert(const cImg& i_source, const cImgType& i_target, cImg& io_result,
+        const cMapObj* i_params, cDblRange& io_inputRange, cDblRange& io_outputRange) const;
     /**
-     * The conversion of all pixel types of this library: `prepareConvert`, then the pixels by the route of both types,
-     * then the result's range. Types that are not made of numbers are only copied.
+     * The conversion of all pixel types of this library: `prepareConvert`, then the pixels by the route of
+     * both types, then the result's range. Types that are not made of numbers are only copied.
      */
     bool convertImage(
         const cImg& i_source, const cImgType& i_target, cImg& io_result, const cMapObj* i_params) const;
@@ -147,8 +154,8 @@ private:
     Q_DISABLE_COPY(cImgType)
 
     /**
-     * Throws std::bad_alloc if a pixel of so many channels does not fit 32 bits. Types with a fixed number of channels
-     * ignore the argument.
+     * Throws std::bad_alloc if a pixel of so many channels does not fit 32 bits. Types with a fixed number of
+     * channels ignore the argument.
      */
     virtual void setNumChannels(unsigned i_channels);
 

@@ -10,8 +10,7 @@
  *
  * The range is that of 16 bits for both.
  */
-template <class T>
-class TARNIMG_EXPORT cImgTypeGradient : public cImgType {
+template <class T> class TARNIMG_EXPORT cImgTypeGradient : public cImgType {
 public:
     bool convertTo(const cImg& i_source, const cImgType& i_target, cImg& io_result,
         const cMapObj* i_params) const override;

@@ -5,11 +5,10 @@
 /**
  * What the types with any number of equal channels share; `T` is the type of a channel.
  *
- * Channels lie interleaved within a pixel. The styles are "Channel 0", "Channel 1", ...: texts and displays show the
- * channel of the present style.
+ * Channels lie interleaved within a pixel. The styles are "Channel 0", "Channel 1", ...: texts and displays
+ * show the channel of the present style.
  */
-template <class T>
-class TARNIMG_EXPORT cImgTypeScalar : public cImgType {
+template <class T> class TARNIMG_EXPORT cImgTypeScalar : public cImgType {
 public:
     QString pixelToString(const unsigned char* i_pixel, bool i_hexadecimal) const override;
     QSize getPixelStringSize(const QFont& i_font, bool i_hexadecimal) const override;

@@ -4,7 +4,8 @@
 
 #include <QColor>
 
-/** Pixels with unsigned channels of 8 bits. "Colorize" is the colour of a display's white; black means grey. */
+/** Pixels with unsigned channels of 8 bits. "Colorize" is the colour of a display's white; black means grey.
+ */
 class TARNIMG_EXPORT cImgTypeUInt8 : public cImgTypeScalar<quint8> {
 public:
     cImgTypeUInt8();

@@ -5,7 +5,8 @@
 #include <tarnimg/cSupportedImages.h>
 #include <tarnimg/export.h>
 
-/** An output port for images. Its list of pixel types serves the check of links; an empty one declares any image. */
+/** An output port for images. Its list of pixel types serves the check of links; an empty one declares any
+ * image. */
 template <> class TARNIMG_EXPORT cOPort<cImg> : public cOPortT<cImg> {
 public:
     cOPort();
@@ -13,7 +14,10 @@ public:
     cOPort(cDfpNode* i_node, const QString& i_name, unsigned int i_poolSize);
     ~cOPort() override;
 
-    void addImageType(cImgType::ImageTypes i_type, unsigned int i_channels) { m_supported.add(i_type, i_channels); }
+    void addImageType(cImgType::ImageTypes i_type, unsigned int i_channels)
+    {
+        m_supported.add(i_type, i_channels);
+    }
     const cSupportedImages::List& getSupportedTypes() const { return m_supported.getList(); }
     const cSupportedImages& getSupportedImages() const { return m_supported; }
 

@@ -9,8 +9,8 @@
 class cImg;
 
 /**
- * The images that a port takes: pairs of a pixel type and a channel count, in order of declaration. A count of 0 means any;
- * an empty list takes every image.
+ * The images that a port takes: pairs of a pixel type and a channel count, in order of declaration. A count
+ * of 0 means any; an empty list takes every image.
  */
 class TARNIMG_EXPORT cSupportedImages {
 public:
@@ -21,8 +21,9 @@ public:
 
     bool takes(const cImg& i_image) const;
     /**
-     * Whether the two lists have a pair in common, or one of them is empty. Pairs are compared as they stand: a count of 0
-     * does not meet a count of 1 here, although an arriving image of one channel would suit both.
+     * Whether the two lists have a pair in common, or one of them is empty. Pairs are compared as they stand:
+     * a count of 0 does not meet a count of 1 here, although an arriving image of one channel would suit
+     * both.
      */
     bool meets(const cSupportedImages& i_other) const;
     /** The names of the types, one for each different pair. */

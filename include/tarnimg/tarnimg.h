@@ -11,7 +11,7 @@
 #include <tarnimg/arithmetic/cMultiplyImagesFunctor.h>
 #include <tarnimg/arithmetic/cSubtractImagesFunctor.h>
 #include <tarnimg/cFunctorStationT.h>
-#include <tarnimg/checkIPPStatus.h>
+#include <tarnimg/cIPortImg.h>
 #include <tarnimg/cImageTypeFactory.h>
 #include <tarnimg/cImg.h>
 #include <tarnimg/cImgFunctor.h>
@@ -31,8 +31,8 @@
 #include <tarnimg/cImgTypeUInt16.h>
 #include <tarnimg/cImgTypeUInt32.h>
 #include <tarnimg/cImgTypeUInt8.h>
-#include <tarnimg/cIPortImg.h>
 #include <tarnimg/cOPortImg.h>
 #include <tarnimg/cSupportedImages.h>
+#include <tarnimg/checkIPPStatus.h>
 #include <tarnimg/export.h>
 #include <tarnimg/imagePortGroups.h>

@@ -4,7 +4,8 @@
 #include <QString>
 #include <cstdio>
 
-/** Standard error, shared by all threads: whole lines, and at its end one line of progress that is drawn over. */
+/** Standard error, shared by all threads: whole lines, and at its end one line of progress that is drawn
+ * over. */
 class cConsole {
 public:
     /** @param i_terminal whether a line can be drawn over */

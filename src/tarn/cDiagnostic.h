@@ -17,7 +17,8 @@ struct cDiagnostic {
     QString message; ///< "station.port: what is wrong, what was expected, what was found"
     QString help; ///< how to mend it; may be empty
 
-    /** "file:line:column: error: message", and a second line "  help: ..." if there is help. No newline at the end. */
+    /** "file:line:column: error: message", and a second line "  help: ..." if there is help. No newline at
+     * the end. */
     QString toString() const;
 };
 
@@ -26,7 +27,8 @@ namespace host {
 /** The candidate that was probably meant by a misspelt word, or an empty string if none is near. */
 QString nearest(const QString& i_word, const QStringList& i_candidates);
 
-/** "did you mean 'x'?", else "known: a, b, c" (cut after some), else nothing: help for a name that is not known. */
+/** "did you mean 'x'?", else "known: a, b, c" (cut after some), else nothing: help for a name that is not
+ * known. */
 QString suggest(const QString& i_word, const QStringList& i_candidates);
 
 } // namespace host

@@ -31,9 +31,13 @@ QString typeText(cImgType::ImageTypes i_type, unsigned i_channels)
 {
     const QString name
         = QString::fromLatin1(QMetaEnum::fromType<cImgType::ImageTypes>().valueToKey(int(i_type)));
-    const bool fixed = i_type == cImgType::RGB24 || i_type == cImgType::RGB32 || i_type >= cImgType::Gradient16;
-    return fixed ? name : QStringLiteral("%1 with %2 channel%3").arg(name).arg(i_channels).arg(
-                       i_channels == 1 ? QString() : QStringLiteral("s"));
+    const bool fixed
+        = i_type == cImgType::RGB24 || i_type == cImgType::RGB32 || i_type >= cImgType::Gradient16;
+    return fixed ? name
+                 : QStringLiteral("%1 with %2 channel%3")
+                       .arg(name)
+                       .arg(i_channels)
+                       .arg(i_channels == 1 ? QString() : QStringLiteral("s"));
 }
 
 QStringList patterns(const cImgIO& i_handler)
@@ -42,8 +46,8 @@ QStringList patterns(const cImgIO& i_handler)
 }
 
 /**
- * The handler with a pattern for exactly this extension. (The registry itself looks for the extension anywhere in the
- * patterns, in hash order: "p" would find any of them.)
+ * The handler with a pattern for exactly this extension. (The registry itself looks for the extension
+ * anywhere in the patterns, in hash order: "p" would find any of them.)
  */
 cImgIO* findHandler(const QString& i_path, cImgIO::EFileIOFlag i_flag)
 {
@@ -94,8 +98,8 @@ QStringList holders(cImgType::ImageTypes i_type, unsigned i_channels)
 }
 
 /**
- * A file that is written beside its place and moved there when it is whole; gone if that does not come. (QSaveFile also
- * waits until the disk has it, which costs more than all the rest.)
+ * A file that is written beside its place and moved there when it is whole; gone if that does not come.
+ * (QSaveFile also waits until the disk has it, which costs more than all the rest.)
  */
 class cPart {
 public:
@@ -119,7 +123,9 @@ public:
         m_file.close();
         if (!flushed || m_file.error() != QFileDevice::NoError)
             fail(m_file.errorString());
-        if (std::rename(QFile::encodeName(m_file.fileName()).constData(), QFile::encodeName(m_path).constData()) != 0)
+        if (std::rename(
+                QFile::encodeName(m_file.fileName()).constData(), QFile::encodeName(m_path).constData())
+            != 0)
             fail(qt_error_string(errno));
         m_done = true;
     }
@@ -127,8 +133,11 @@ public:
 private:
     static QString partName(const QString& i_path)
     {
-        static std::atomic<unsigned> s_count{0};
-        return QStringLiteral("%1.%2-%3.part").arg(i_path).arg(QCoreApplication::applicationPid()).arg(++s_count);
+        static std::atomic<unsigned> s_count {0};
+        return QStringLiteral("%1.%2-%3.part")
+            .arg(i_path)
+            .arg(QCoreApplication::applicationPid())
+            .arg(++s_count);
     }
 
     const QString m_path;
@@ -144,7 +153,8 @@ void cFileFormat::checkSize(quint64 i_width, quint64 i_height, quint64 i_bytesPe
         fail(QStringLiteral("the image is empty (%1x%2)").arg(i_width).arg(i_height));
     // Divided, so that no product can overflow.
     if (i_width > s_mostBytes / i_height || i_width * i_height > s_mostBytes / i_bytesPerPixel)
-        fail(QStringLiteral("the image is too large, %1x%2 pixels of %3 bytes, at most 2 GiB are read or written")
+        fail(QStringLiteral(
+            "the image is too large, %1x%2 pixels of %3 bytes, at most 2 GiB are read or written")
                  .arg(i_width)
                  .arg(i_height)
                  .arg(i_bytesPerPixel));
@@ -260,24 +270,12 @@ void writeImage(const QString& i_path, const cImg& i_image)
         fail(QStringLiteral("%1 cannot write it").arg(own->getName()));
 }
 
-bool canRead(const QString& i_path)
-{
-    return findHandler(i_path, cImgIO::Read);
-}
+bool canRead(const QString& i_path) { return findHandler(i_path, cImgIO::Read); }
 
-bool canWrite(const QString& i_path)
-{
-    return findHandler(i_path, cImgIO::Write);
-}
+bool canWrite(const QString& i_path) { return findHandler(i_path, cImgIO::Write); }
 
-QStringList readableExtensions()
-{
-    return extensions(cImgIO::Read);
-}
+QStringList readableExtensions() { return extensions(cImgIO::Read); }
 
-QStringList writableExtensions()
-{
-    return extensions(cImgIO::Write);
-}
+QStringList writableExtensions() { return extensions(cImgIO::Write); }
 
 } // namespace host

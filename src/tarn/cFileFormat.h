@@ -9,8 +9,9 @@ class QIODevice;
 /**
  * A handler that reads and writes a file format without loss.
  *
- * What a file holds decides the pixel type, and every type that can be written is read back as itself, bit for bit (JPEG
- * alone is lossy by its nature). Nothing is ever narrowed: a type that the format cannot hold is refused.
+ * What a file holds decides the pixel type, and every type that can be written is read back as itself, bit
+ * for bit (JPEG alone is lossy by its nature). Nothing is ever narrowed: a type that the format cannot hold
+ * is refused.
  *
  * A file is written beside its place and moved there when it is complete.
  */
@@ -50,7 +51,8 @@ namespace host {
 /** Registers the handlers of this library: PNG, JPEG, BMP and TIFF. Once; later calls do nothing. */
 void registerFileFormats();
 
-/** Reads with the handler whose patterns have the extension. @throws std::runtime_error that says why not, without the path */
+/** Reads with the handler whose patterns have the extension. @throws std::runtime_error that says why not,
+ * without the path */
 cImg readImage(const QString& i_path);
 /** The same for writing. Folders on the way are made. */
 void writeImage(const QString& i_path, const cImg& i_image);

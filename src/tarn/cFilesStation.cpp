@@ -19,10 +19,7 @@ cFilesStation::cFilesStation() : m_out(this, QStringLiteral("img"), defaultPoolS
     m_params[QStringLiteral("limit")] = new cDataRefObj<unsigned>(m_limit);
 }
 
-cFilesStation::~cFilesStation()
-{
-    stop();
-}
+cFilesStation::~cFilesStation() { stop(); }
 
 cStationInfo cFilesStation::getWords()
 {
@@ -30,13 +27,16 @@ cStationInfo cFilesStation::getWords()
     info.summary = QStringLiteral("Reads image files: names, folders and patterns, in natural order.");
     info.params = {
         {QStringLiteral("path"),
-            QStringLiteral("a file, a folder, a pattern with *, ? and [...], several of these separated by ',', or '-' for "
-                           "a list of files on standard input")},
+         QStringLiteral("a file, a folder, a pattern with *, ? and [...], several of these separated by "
+                           "',', or '-' for "
+                           "a list of files on standard input")                             },
         {QStringLiteral("repeat"), QStringLiteral("how many times the list is gone through")},
-        {QStringLiteral("limit"), QStringLiteral("the most frames, 0 for no limit; files that cannot be read count")},
+        {QStringLiteral("limit"),
+         QStringLiteral("the most frames, 0 for no limit; files that cannot be read count") },
     };
-    info.notes = QStringList{
-        QStringLiteral("Frames are stamped 0, 1, 2, ...: frames of two sources meet by their place in the list."),
+    info.notes = QStringList {
+        QStringLiteral(
+            "Frames are stamped 0, 1, 2, ...: frames of two sources meet by their place in the list."),
         QStringLiteral("A file that cannot be read is reported and passed over; its stamp stays empty."),
     };
     info.mainParam = QStringLiteral("path");
@@ -72,8 +72,9 @@ QList<cGraphError> cFilesStation::checkParams()
     if (!error.isEmpty())
         errors.append({getPathName() + QStringLiteral(".path"), error, {}});
     if (m_repeat == 0)
-        errors.append({getPathName() + QStringLiteral(".repeat"),
-            QStringLiteral("expected 1 or more, found 0"), QStringLiteral("leave it out to read the list once")});
+        errors.append(
+            {getPathName() + QStringLiteral(".repeat"), QStringLiteral("expected 1 or more, found 0"),
+                QStringLiteral("leave it out to read the list once")});
     return errors;
 }
 
@@ -91,10 +92,7 @@ QString cFilesStation::getFile(qint64 i_stamp) const
     return i_stamp >= 0 && i_stamp < getTotal() ? m_files[int(i_stamp % m_files.size())] : QString();
 }
 
-bool cFilesStation::reads(const QString& i_absolutePath) const
-{
-    return m_absolute.contains(i_absolutePath);
-}
+bool cFilesStation::reads(const QString& i_absolutePath) const { return m_absolute.contains(i_absolutePath); }
 
 qint64 cFilesStation::getTotal() const
 {
@@ -102,10 +100,7 @@ qint64 cFilesStation::getTotal() const
     return m_limit ? std::min<qint64>(all, m_limit) : all;
 }
 
-qint64 cFilesStation::getDone() const
-{
-    return m_done;
-}
+qint64 cFilesStation::getDone() const { return m_done; }
 
 void cFilesStation::setLimit(qint64 i_frames)
 {
@@ -133,8 +128,10 @@ bool cFilesStation::produce()
     } catch (const std::exception& error) {
         ++m_done;
         m_out.sendFinish(cBufferStamp(stamp));
-        throw std::runtime_error(
-            QStringLiteral("%1: %2").arg(file, QString::fromLocal8Bit(error.what())).toLocal8Bit().toStdString());
+        throw std::runtime_error(QStringLiteral("%1: %2")
+                                     .arg(file, QString::fromLocal8Bit(error.what()))
+                                     .toLocal8Bit()
+                                     .toStdString());
     }
     ++m_done;
     m_out.sendFinish(cBufferStamp(stamp));

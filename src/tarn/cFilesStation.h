@@ -11,9 +11,9 @@
 /**
  * Reads image files, one frame each.
  *
- * Frames are stamped 0, 1, 2, ... in the order of the files, with their name, number and count set, and with the attribute
- * "source", the path. A file that cannot be read keeps its stamp, is reported with its path and the reason, and the next
- * one follows. Files are read only if somebody wants the frames.
+ * Frames are stamped 0, 1, 2, ... in the order of the files, with their name, number and count set, and with
+ * the attribute "source", the path. A file that cannot be read keeps its stamp, is reported with its path and
+ * the reason, and the next one follows. Files are read only if somebody wants the frames.
  */
 class cFilesStation : public cSourceStation, public cHostStation, public cFrameSource {
     Q_OBJECT
@@ -47,6 +47,6 @@ private:
     QString m_expanded; ///< the pattern that m_files stands for
     QStringList m_files; ///< not changed while the graph runs
     QSet<QString> m_absolute; ///< the same for `reads`
-    std::atomic<qint64> m_done{0};
+    std::atomic<qint64> m_done {0};
     cImg m_single; ///< the only file when it is repeated, so that it is read once
 };

@@ -21,8 +21,8 @@ constexpr int s_jpegQuality = 95;
 QImage wrap(const cImg& i_image)
 {
     const bool grey = i_image.isKindOf(cImgType::UInt8);
-    QImage image(i_image.getConstData(), int(i_image.getWidth()), int(i_image.getHeight()), int(i_image.getYPitch()),
-        grey ? QImage::Format_Indexed8 : QImage::Format_RGB888);
+    QImage image(i_image.getConstData(), int(i_image.getWidth()), int(i_image.getHeight()),
+        int(i_image.getYPitch()), grey ? QImage::Format_Indexed8 : QImage::Format_RGB888);
     if (grey) {
         QVector<QRgb> ramp(256);
         for (int i = 0; i < 256; ++i)
@@ -35,8 +35,10 @@ QImage wrap(const cImg& i_image)
 } // namespace
 
 cQImageFormat::cQImageFormat(
-    const QString& i_name, const QString& i_filter, const QByteArray& i_format, int i_quality) :
-    cFileFormat(i_name, i_filter, Read | Write), m_format(i_format), m_quality(i_quality)
+    const QString& i_name, const QString& i_filter, const QByteArray& i_format, int i_quality)
+    : cFileFormat(i_name, i_filter, Read | Write),
+      m_format(i_format),
+      m_quality(i_quality)
 {
 }
 
@@ -81,19 +83,17 @@ void cQImageFormat::encode(const cImg& i_image, QIODevice& io_device) const
         fail(QStringLiteral("%1: %2").arg(getName(), writer.errorString()));
 }
 
-cJpegFormat::cJpegFormat() :
-    cQImageFormat(QStringLiteral("JPEG"), QStringLiteral("*.jpg *.jpeg"), QByteArrayLiteral("jpeg"), s_jpegQuality)
+cJpegFormat::cJpegFormat()
+    : cQImageFormat(
+        QStringLiteral("JPEG"), QStringLiteral("*.jpg *.jpeg"), QByteArrayLiteral("jpeg"), s_jpegQuality)
 {
 }
 
-cImgIO* cJpegFormat::clone() const
+cImgIO* cJpegFormat::clone() const { return new cJpegFormat; }
+
+cBmpFormat::cBmpFormat()
+    : cQImageFormat(QStringLiteral("BMP"), QStringLiteral("*.bmp"), QByteArrayLiteral("bmp"), -1)
 {
-    return new cJpegFormat;
 }
 
-cBmpFormat::cBmpFormat() : cQImageFormat(QStringLiteral("BMP"), QStringLiteral("*.bmp"), QByteArrayLiteral("bmp"), -1) {}
-
-cImgIO* cBmpFormat::clone() const
-{
-    return new cBmpFormat;
-}
+cImgIO* cBmpFormat::clone() const { return new cBmpFormat; }

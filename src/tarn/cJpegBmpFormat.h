@@ -6,7 +6,8 @@
 
 class QImage;
 
-/** What the formats that go through `QImage` share: grey becomes `UInt8`, colour `RGB24`, colour with alpha `RGB32`. */
+/** What the formats that go through `QImage` share: grey becomes `UInt8`, colour `RGB24`, colour with alpha
+ * `RGB32`. */
 class cQImageFormat : public cFileFormat {
 public:
     cImg decode(const unsigned char* i_data, std::size_t i_size) const override;

@@ -6,8 +6,9 @@
 
 const cOptions::Spec* cOptions::find(const QString& i_name) const
 {
-    const auto found = std::find_if(m_specs.begin(), m_specs.end(),
-        [&](const Spec& i_spec) { return i_spec.name == i_name || (!i_name.isEmpty() && i_spec.alias == i_name); });
+    const auto found = std::find_if(m_specs.begin(), m_specs.end(), [&](const Spec& i_spec) {
+        return i_spec.name == i_name || (!i_name.isEmpty() && i_spec.alias == i_name);
+    });
     return found == m_specs.end() ? nullptr : &*found;
 }
 

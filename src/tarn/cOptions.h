@@ -8,8 +8,8 @@
 /**
  * The words after a command, sorted into options and the rest.
  *
- * "--key value" and "--key=value", "-k value" and "-kvalue"; what follows "--" is no option. An option that is not declared
- * is an error.
+ * "--key value" and "--key=value", "-k value" and "-kvalue"; what follows "--" is no option. An option that
+ * is not declared is an error.
  */
 class cOptions {
 public:
@@ -27,7 +27,10 @@ public:
 
     bool has(const QString& i_name) const { return m_values.contains(i_name); }
     /** The last value that was given, or an empty string. */
-    QString get(const QString& i_name) const { return m_values.value(i_name).isEmpty() ? QString() : m_values[i_name].last(); }
+    QString get(const QString& i_name) const
+    {
+        return m_values.value(i_name).isEmpty() ? QString() : m_values[i_name].last();
+    }
     QStringList getAll(const QString& i_name) const { return m_values.value(i_name); }
     const QStringList& getRest() const { return m_rest; }
 

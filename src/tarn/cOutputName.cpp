@@ -9,15 +9,12 @@ namespace {
 
 const QStringList& placeholders()
 {
-    static const QStringList s_names{
+    static const QStringList s_names {
         QStringLiteral("stem"), QStringLiteral("index"), QStringLiteral("stamp"), QStringLiteral("port")};
     return s_names;
 }
 
-QString withoutFolders(QString i_text)
-{
-    return i_text.replace(u'/', u'_').remove(QChar(0));
-}
+QString withoutFolders(QString i_text) { return i_text.replace(u'/', u'_').remove(QChar(0)); }
 
 constexpr int s_indexDigits = 4;
 
@@ -44,12 +41,15 @@ QString cOutputName::set(const QString& i_pattern)
         }
         const int end = c == u'{' ? i_pattern.indexOf(u'}', i) : -1;
         if (end < 0)
-            return QStringLiteral("a brace stands alone in '%1', expected {stem}, {index}, {stamp} or {port}").arg(i_pattern);
+            return QStringLiteral("a brace stands alone in '%1', expected {stem}, {index}, {stamp} or {port}")
+                .arg(i_pattern);
         const QString name = i_pattern.mid(i + 1, end - i - 1);
         const int kind = placeholders().indexOf(name);
         if (kind < 0) {
             const QString near = host::nearest(name, placeholders());
-            return QStringLiteral("unknown placeholder, expected {stem}, {index}, {stamp} or {port}, found {%1}").arg(name)
+            return QStringLiteral(
+                       "unknown placeholder, expected {stem}, {index}, {stamp} or {port}, found {%1}")
+                       .arg(name)
                 + (near.isEmpty() ? QString() : QStringLiteral(" (did you mean {%1}?)").arg(near));
         }
         pieces.push_back({EKind(Stem + kind), QString()});

@@ -4,9 +4,10 @@
 #include <vector>
 
 /**
- * The pattern of the files that a run writes: text with the placeholders {stem} (the input's file name without its folder
- * and extension), {index} (the frame's number in its source from 0 on, with at least four digits), {stamp} (the frame's
- * stamp) and {port} (the output port that it came from). "{{" and "}}" are single braces.
+ * The pattern of the files that a run writes: text with the placeholders {stem} (the input's file name
+ * without its folder and extension), {index} (the frame's number in its source from 0 on, with at least four
+ * digits), {stamp} (the frame's stamp) and {port} (the output port that it came from). "{{" and "}}" are
+ * single braces.
  */
 class cOutputName {
 public:
@@ -17,9 +18,11 @@ public:
         QString port;
     };
 
-    /** What is wrong with a pattern: what was expected, what was found; empty if nothing is. The name stays unchanged then. */
+    /** What is wrong with a pattern: what was expected, what was found; empty if nothing is. The name stays
+     * unchanged then. */
     QString set(const QString& i_pattern);
-    /** The path for a frame. A '/' in a stem or a port's name becomes '_', so that a frame never chooses its folder. */
+    /** The path for a frame. A '/' in a stem or a port's name becomes '_', so that a frame never chooses its
+     * folder. */
     QString make(const Frame& i_frame) const;
     /** Whether the path differs from frame to frame. */
     bool isVarying() const;

@@ -12,6 +12,6 @@ QString cWord::toString() const
 
 bool cWord::isPlain() const
 {
-    return std::all_of(
-        pieces.begin(), pieces.end(), [](const cWordPiece& i_piece) { return i_piece.kind == cWordPiece::Plain; });
+    return std::all_of(pieces.begin(), pieces.end(),
+        [](const cWordPiece& i_piece) { return i_piece.kind == cWordPiece::Plain; });
 }

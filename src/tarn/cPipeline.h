@@ -74,20 +74,23 @@ namespace host {
  *
  *     files in/img*.png ! boxFilter maskSize=5,5 name=b ! save out/{stem}.png    b. ! view
  *
- * Words are separated by blanks. Stations are linked by a '!' that stands alone. After a station's identifier (or a unique
- * suffix of it) may come one word for its main parameter, then key=value, among them name=x. A word "x." or "x.port" refers
- * to a station that is named elsewhere, before or after; it stands first or last in its chain. Any other word begins a new
- * chain, and so does a new line, unless the line starts or the one before ends with '!'.
+ * Words are separated by blanks. Stations are linked by a '!' that stands alone. After a station's identifier
+ * (or a unique suffix of it) may come one word for its main parameter, then key=value, among them name=x. A
+ * word "x." or "x.port" refers to a station that is named elsewhere, before or after; it stands first or last
+ * in its chain. Any other word begins a new chain, and so does a new line, unless the line starts or the one
+ * before ends with '!'.
  *
- * "..." keeps blanks, with the escapes \" \\ \$ \n \t; '...' keeps everything. ${name} stands for a value that is given when
- * the graph is built, also in "...". '#' at the start of a word makes the rest of the line a comment. A word can be quoted in
- * part: path="my files"/img*.png. Quoted characters never act as '=', '!', '.', '#', '{' or '}'.
+ * "..." keeps blanks, with the escapes \" \\ \$ \n \t; '...' keeps everything. ${name} stands for a value
+ * that is given when the graph is built, also in "...". '#' at the start of a word makes the rest of the line
+ * a comment. A word can be quoted in part: path="my files"/img*.png. Quoted characters never act as '=', '!',
+ * '.', '#', '{' or '}'.
  *
  * "graph name { ... }" is a graph within the graph. Inside, "in.x" and "out.y" are its own ports.
  */
 cParsedPipeline parsePipeline(const QString& i_text, const QString& i_file);
 
-/** The text of a pipeline, one chain in a line. Read again it gives the same pipeline, apart from the places. */
+/** The text of a pipeline, one chain in a line. Read again it gives the same pipeline, apart from the places.
+ */
 QString printPipeline(const cPipeline& i_pipeline);
 
 } // namespace host

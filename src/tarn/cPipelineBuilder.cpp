@@ -41,8 +41,9 @@ QStringList keysOf(const cDfpNode& i_node)
 
 } // namespace
 
-cPipelineBuilder::cPipelineBuilder(cGraph& io_graph, const QMap<QString, QString>& i_variables) :
-    m_graph(io_graph), m_variables(i_variables)
+cPipelineBuilder::cPipelineBuilder(cGraph& io_graph, const QMap<QString, QString>& i_variables)
+    : m_graph(io_graph),
+      m_variables(i_variables)
 {
 }
 
@@ -117,7 +118,8 @@ void cPipelineBuilder::buildScope(const Scope& i_scope)
     for (const cChain& chain : i_scope.text.chains) {
         QList<Place> places;
         for (const cElement& element : chain.elements)
-            places.append({element.kind == cElement::Station ? buildStation(i_scope, element) : QString(), {}, element.pos});
+            places.append({element.kind == cElement::Station ? buildStation(i_scope, element) : QString(), {},
+                element.pos});
         chains.push_back(places);
     }
     for (std::size_t c = 0; c < chains.size(); ++c) {
@@ -135,7 +137,8 @@ void cPipelineBuilder::buildGraphs(const Scope& i_scope)
     for (const cPipeline& text : i_scope.text.graphs) {
         cGraphError problem;
         if (text.name == QLatin1String("in") || text.name == QLatin1String("out")) {
-            error(text.pos, QStringLiteral("'%1' stands for a graph's own ports and names nothing else").arg(text.name));
+            error(text.pos,
+                QStringLiteral("'%1' stands for a graph's own ports and names nothing else").arg(text.name));
         } else if (cGraph* graph = i_scope.graph.addGraph(text.name, &problem)) {
             m_places.insert(graph->getPathName(), text.pos);
             buildScope({text, *graph, true});
@@ -152,7 +155,8 @@ QString cPipelineBuilder::findIdentifier(const cElement& i_element, const QStrin
         return found.first();
     if (found.isEmpty())
         error(i_element.pos,
-            QStringLiteral("unknown station, expected an identifier or the unique end of one, found '%1'").arg(i_text),
+            QStringLiteral("unknown station, expected an identifier or the unique end of one, found '%1'")
+                .arg(i_text),
             host::suggest(i_text, cStation::getIdentifiers()));
     else
         error(i_element.pos,
@@ -170,7 +174,8 @@ QString cPipelineBuilder::buildStation(const Scope& i_scope, const cElement& i_e
     const cSourcePos namePos = named == i_element.arguments.end() ? i_element.pos : named->pos;
     const bool reserved = name == QLatin1String("in") || name == QLatin1String("out");
     if (i_scope.inner && reserved)
-        error(namePos, QStringLiteral("'%1' stands for a graph's own ports and names nothing else").arg(name));
+        error(
+            namePos, QStringLiteral("'%1' stands for a graph's own ports and names nothing else").arg(name));
     if (named != i_element.arguments.end() && name.isEmpty())
         error(namePos, QStringLiteral("a station's name is empty, expected letters, digits, '_' and '-'"));
 
@@ -221,8 +226,7 @@ void cPipelineBuilder::writeParam(const Scope& i_scope, const cDfpNode& i_node, 
     const QString path = i_node.getName() + u'.' + i_key;
     cGraphError problem;
     if (!i_scope.graph.findParam(path, &problem)) {
-        error(i_pos,
-            QStringLiteral("%1: unknown parameter, found '%2'").arg(i_node.getPathName(), i_key),
+        error(i_pos, QStringLiteral("%1: unknown parameter, found '%2'").arg(i_node.getPathName(), i_key),
             keysOf(i_node).isEmpty() ? QStringLiteral("the station has no parameters")
                                      : host::suggest(i_key, keysOf(i_node)));
         return;
@@ -269,25 +273,30 @@ void cPipelineBuilder::buildLink(const Scope& i_scope, const Place& i_from, cons
     const bool inward = i_from.boundary == QLatin1String("in") && i_to.boundary.isEmpty();
     const bool outward = i_to.boundary == QLatin1String("out") && i_from.boundary.isEmpty();
     if (!inward && !outward) {
-        error(i_to.pos, QStringLiteral("a chain begins with 'in.' and ends with 'out.', found the reverse, or both at once"));
+        error(i_to.pos,
+            QStringLiteral(
+                "a chain begins with 'in.' and ends with 'out.', found the reverse, or both at once"));
         return;
     }
     const Place& own = inward ? i_from : i_to;
     const Place& inner = inward ? i_to : i_from;
-    // Without a name the graph's port is called like the one inside; without a port it is the first that is free.
+    // Without a name the graph's port is called like the one inside; without a port it is the first that is
+    // free.
     const int dot = inner.path.lastIndexOf(u'.');
     const QString nodePath = inner.path.left(dot < 0 ? inner.path.size() : dot);
     const cDfpNode* node = i_scope.graph.findNode(nodePath);
     QString port = dot < 0 ? QString() : inner.path.mid(dot + 1);
     if (port.isEmpty() && inward) {
         const auto ports = node->getInports();
-        const auto free = std::find_if(ports.begin(), ports.end(), [](const cIPortBase* i_port) { return !i_port->isConnected(); });
+        const auto free = std::find_if(
+            ports.begin(), ports.end(), [](const cIPortBase* i_port) { return !i_port->isConnected(); });
         port = free == ports.end() ? QString() : (*free)->getName();
     } else if (port.isEmpty() && !node->getOutports().isEmpty()) {
         port = node->getOutports().first()->getName();
     }
     if (port.isEmpty()) {
-        error(inner.pos, QStringLiteral("%1: no port is free for the graph's own port").arg(node->getPathName()));
+        error(inner.pos,
+            QStringLiteral("%1: no port is free for the graph's own port").arg(node->getPathName()));
         return;
     }
     const QString path = nodePath + u'.' + port;

@@ -12,7 +12,8 @@ class cGraph;
 class cStation;
 
 /**
- * Builds a graph from its text form: looks up names, puts in variables, makes stations, writes parameters, makes links.
+ * Builds a graph from its text form: looks up names, puts in variables, makes stations, writes parameters,
+ * makes links.
  *
  * Everything is tried and every error kept, so that a user sees them all at once.
  */
@@ -48,7 +49,8 @@ private:
     void buildGraphs(const Scope& i_scope);
     QString buildStation(const Scope& i_scope, const cElement& i_element);
     QString findIdentifier(const cElement& i_element, const QString& i_text);
-    void writeParams(const Scope& i_scope, const cElement& i_element, const QString& i_identifier, cDfpNode& i_node);
+    void writeParams(
+        const Scope& i_scope, const cElement& i_element, const QString& i_identifier, cDfpNode& i_node);
     void writeParam(const Scope& i_scope, const cDfpNode& i_node, const QString& i_key, const cWord& i_value,
         const cSourcePos& i_pos);
     Place findReference(const Scope& i_scope, const cElement& i_element);

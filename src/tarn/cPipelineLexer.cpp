@@ -2,20 +2,11 @@
 
 namespace {
 
-bool isBlank(QChar c)
-{
-    return c == u' ' || c == u'\t' || c == u'\r';
-}
+bool isBlank(QChar c) { return c == u' ' || c == u'\t' || c == u'\r'; }
 
-bool isNameStart(QChar c)
-{
-    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || c == u'_';
-}
+bool isNameStart(QChar c) { return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || c == u'_'; }
 
-bool isNameChar(QChar c)
-{
-    return isNameStart(c) || (c >= u'0' && c <= u'9');
-}
+bool isNameChar(QChar c) { return isNameStart(c) || (c >= u'0' && c <= u'9'); }
 
 /** Adds text to the last piece if it is of the same kind and grows, else begins a piece. */
 void append(cWord& io_word, cWordPiece::EKind i_kind, QChar c, const cSourcePos& i_pos)
@@ -27,8 +18,10 @@ void append(cWord& io_word, cWordPiece::EKind i_kind, QChar c, const cSourcePos&
 
 } // namespace
 
-cPipelineLexer::cPipelineLexer(const QString& i_text, const QString& i_file, QList<cDiagnostic>& io_errors) :
-    m_text(i_text), m_file(i_file), m_errors(io_errors)
+cPipelineLexer::cPipelineLexer(const QString& i_text, const QString& i_file, QList<cDiagnostic>& io_errors)
+    : m_text(i_text),
+      m_file(i_file),
+      m_errors(io_errors)
 {
     if (m_text.startsWith(QChar::ByteOrderMark))
         m_index = 1;
@@ -64,19 +57,24 @@ QList<cToken> cPipelineLexer::run()
         if (isBlank(c)) {
             advance();
         } else if (c == u'\n') {
-            tokens.append({cToken::NewLine, {{}, m_pos}});
+            tokens.append({
+                cToken::NewLine, {{}, m_pos}
+            });
             advance();
         } else if (c == u'#') {
             skipComment();
         } else if (c < u' ' || c == QChar(0x7f)) {
             error(m_pos,
-                QStringLiteral("a graph is text, found the control character 0x%1").arg(c.unicode(), 2, 16, QChar(u'0')));
+                QStringLiteral("a graph is text, found the control character 0x%1")
+                    .arg(c.unicode(), 2, 16, QChar(u'0')));
             advance();
         } else {
             tokens.append(readWord());
         }
     }
-    tokens.append({cToken::End, {{}, m_pos}});
+    tokens.append({
+        cToken::End, {{}, m_pos}
+    });
     return tokens;
 }
 
@@ -146,7 +144,8 @@ void cPipelineLexer::readDoubleQuotes(cWord& io_word)
                 break;
             else
                 error(escape,
-                    QStringLiteral("unknown escape, expected \\\", \\\\, \\$, \\n or \\t, found \\%1").arg(code),
+                    QStringLiteral("unknown escape, expected \\\", \\\\, \\$, \\n or \\t, found \\%1")
+                        .arg(code),
                     QStringLiteral("write \\\\ for a backslash, or use '...', where nothing is special"));
             advance();
         } else {

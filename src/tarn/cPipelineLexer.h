@@ -11,7 +11,8 @@ struct cToken {
     const cSourcePos& getPos() const { return word.pos; }
 };
 
-/** Cuts a graph text into tokens: words with their quoting undone, '!', '{', '}' and line ends. Comments are gone. */
+/** Cuts a graph text into tokens: words with their quoting undone, '!', '{', '}' and line ends. Comments are
+ * gone. */
 class cPipelineLexer {
 public:
     cPipelineLexer(const QString& i_text, const QString& i_file, QList<cDiagnostic>& io_errors);

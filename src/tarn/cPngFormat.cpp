@@ -9,9 +9,11 @@
 
 namespace {
 
-// libpng leaves a call that fails by longjmp. So each function that calls it has nothing to destroy, and returns false.
+// libpng leaves a call that fails by longjmp. So each function that calls it has nothing to destroy, and
+// returns false.
 
-/** What reading and writing share: the message of the failure, and whether to write in the processor's byte order. */
+/** What reading and writing share: the message of the failure, and whether to write in the processor's byte
+ * order. */
 struct Job {
     png_structp png = nullptr;
     png_infop info = nullptr;
@@ -27,10 +29,7 @@ void keepMessage(png_structp i_png, png_const_charp i_message)
 
 void dropWarning(png_structp, png_const_charp) {}
 
-[[noreturn]] void fail(const Job& i_job)
-{
-    throw std::runtime_error(std::string("PNG: ") + i_job.message);
-}
+[[noreturn]] void fail(const Job& i_job) { throw std::runtime_error(std::string("PNG: ") + i_job.message); }
 
 struct Reader : Job {
     const unsigned char* data;
@@ -161,8 +160,8 @@ bool writeRows(Writer& io_writer, const Layout& i_layout, const Rows& i_rows)
     png_set_user_limits(io_writer.png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
     png_set_compression_level(io_writer.png, s_compression);
     png_set_filter(io_writer.png, PNG_FILTER_TYPE_BASE, PNG_FAST_FILTERS);
-    png_set_IHDR(io_writer.png, io_writer.info, i_layout.width, i_layout.height, i_layout.bitDepth, i_layout.colourType,
-        PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+    png_set_IHDR(io_writer.png, io_writer.info, i_layout.width, i_layout.height, i_layout.bitDepth,
+        i_layout.colourType, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     png_write_info(io_writer.png, io_writer.info);
     if (Q_BYTE_ORDER == Q_LITTLE_ENDIAN && i_layout.bitDepth == 16)
         png_set_swap(io_writer.png);
@@ -185,10 +184,7 @@ cImgType::ImageTypes typeFor(int i_bitDepth, unsigned i_channels)
 
 cPngFormat::cPngFormat() : cFileFormat(QStringLiteral("PNG"), QStringLiteral("*.png"), Read | Write) {}
 
-cImgIO* cPngFormat::clone() const
-{
-    return new cPngFormat;
-}
+cImgIO* cPngFormat::clone() const { return new cPngFormat; }
 
 bool cPngFormat::canHold(cImgType::ImageTypes i_type, unsigned i_channels) const
 {
@@ -214,10 +210,11 @@ cImg cPngFormat::decode(const unsigned char* i_data, std::size_t i_size) const
     const quint64 width = png_get_image_width(reader.png, reader.info);
     const quint64 height = png_get_image_height(reader.png, reader.info);
     // The header's sample size before any conversion is no greater than the one after it.
-    const quint64 rawBits = quint64(png_get_bit_depth(reader.png, reader.info))
-        * png_get_channels(reader.png, reader.info);
+    const quint64 rawBits
+        = quint64(png_get_bit_depth(reader.png, reader.info)) * png_get_channels(reader.png, reader.info);
     checkSize(width, height, 1);
-    // Deflate shrinks by 1032 at the most; a header that claims more is forged, or the file is cut. A row has a byte more.
+    // Deflate shrinks by 1032 at the most; a header that claims more is forged, or the file is cut. A row has
+    // a byte more.
     if (height * (width * rawBits / 8 + 1) > quint64(fileSize) * 1040 + 1024)
         throw std::runtime_error("PNG: the file is too short for the size in its header");
     if (!setUpConversions(reader))
@@ -238,10 +235,10 @@ void cPngFormat::encode(const cImg& i_image, QIODevice& io_device) const
 {
     if (i_image.getWidth() > PNG_UINT_31_MAX || i_image.getHeight() > PNG_UINT_31_MAX)
         throw std::runtime_error("PNG: a side is longer than 2147483647 pixels");
-    const Layout layout{i_image.getWidth(), i_image.getHeight(),
-        i_image.isKindOf(cImgType::UInt16) ? 16 : 8, s_colourTypes[i_image.getNumChannels() - 1]};
+    const Layout layout {i_image.getWidth(), i_image.getHeight(), i_image.isKindOf(cImgType::UInt16) ? 16 : 8,
+        s_colourTypes[i_image.getNumChannels() - 1]};
     // libpng only reads them.
-    const Rows rows{const_cast<png_bytep>(i_image.getConstData()), i_image.getYPitch(), i_image.getHeight()};
+    const Rows rows {const_cast<png_bytep>(i_image.getConstData()), i_image.getYPitch(), i_image.getHeight()};
     Writer writer(io_device);
     if (!writeRows(writer, layout, rows))
         fail(writer);

@@ -49,7 +49,4 @@ void cProgress::update(qint64 i_now, qint64 i_done, qint64 i_total, qint64 i_fai
         m_console.writeLine(text);
 }
 
-void cProgress::finish()
-{
-    m_console.setProgress(QString());
-}
+void cProgress::finish() { m_console.setProgress(QString()); }

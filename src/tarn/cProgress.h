@@ -5,7 +5,8 @@
 class QString;
 class cConsole;
 
-/** How far a run has got, with its rate and the time left: drawn over on a terminal, else a line per interval. */
+/** How far a run has got, with its rate and the time left: drawn over on a terminal, else a line per
+ * interval. */
 class cProgress {
 public:
     static constexpr qint64 s_redraw = 100; ///< milliseconds between two drawings on a terminal

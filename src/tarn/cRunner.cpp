@@ -25,8 +25,10 @@ QString cRunner::Failure::toString() const
                            : QStringLiteral("%1: %2: %3").arg(node, frame, message);
 }
 
-cRunner::cRunner(cGraph& io_graph, const cRunOptions& i_options, cConsole& io_console) :
-    m_graph(io_graph), m_options(i_options), m_console(io_console)
+cRunner::cRunner(cGraph& io_graph, const cRunOptions& i_options, cConsole& io_console)
+    : m_graph(io_graph),
+      m_options(i_options),
+      m_console(io_console)
 {
     const auto stations = io_graph.getStations();
     for (cStation* station : stations) {
@@ -36,9 +38,11 @@ cRunner::cRunner(cGraph& io_graph, const cRunOptions& i_options, cConsole& io_co
             m_sinks.append(sink);
     }
     // Direct: the frame that failed is known only while its step is under way.
-    QObject::connect(&m_graph, &cGraph::errorReported, &m_graph,
-        [this](const cError& i_error) { noteFailure(i_error); }, Qt::DirectConnection);
-    QObject::connect(&m_graph, &cGraph::stationDied, &m_graph,
+    QObject::connect(
+        &m_graph, &cGraph::errorReported, &m_graph, [this](const cError& i_error) { noteFailure(i_error); },
+        Qt::DirectConnection);
+    QObject::connect(
+        &m_graph, &cGraph::stationDied, &m_graph,
         [this](const QString& i_path) {
             const QMutexLocker lock(&m_mutex);
             if (m_dead.isEmpty())
@@ -72,7 +76,7 @@ void cRunner::noteFailure(const cError& i_error)
     QString message = i_error.getMessage();
     if (message.isEmpty())
         message = QStringLiteral("an unknown exception");
-    const Failure failure{i_error.getPath(), frameOf(i_error), message};
+    const Failure failure {i_error.getPath(), frameOf(i_error), message};
     {
         const QMutexLocker lock(&m_mutex);
         m_failures.append(failure);
@@ -153,7 +157,8 @@ EExit cRunner::watch(const std::function<int()>& i_interrupts, cProgress& io_pro
         if (interrupts == 1 && exit != EExit::Interrupted) {
             exit = EExit::Interrupted;
             m_graph.finishSources();
-            m_console.writeLine(QStringLiteral("interrupted: finishing what is in flight; once more stops at once"));
+            m_console.writeLine(
+                QStringLiteral("interrupted: finishing what is in flight; once more stops at once"));
         }
         if (m_options.stopOnError && !draining && countFailures() > 0) {
             draining = true;

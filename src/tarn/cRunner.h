@@ -16,14 +16,7 @@ class cProgress;
 class cSaveStation;
 
 /** How a command ended, as its process tells it. */
-enum class EExit {
-    Good = 0,
-    SomeFailed = 1,
-    BadUsage = 2,
-    Stalled = 3,
-    Died = 4,
-    Interrupted = 130
-};
+enum class EExit { Good = 0, SomeFailed = 1, BadUsage = 2, Stalled = 3, Died = 4, Interrupted = 130 };
 
 /** What a user chose for a run. */
 struct cRunOptions {
@@ -36,15 +29,16 @@ struct cRunOptions {
 /**
  * Runs a graph to its end and tells how it went: progress, the failures, what became of the frames.
  *
- * A failure stays with its frame. The run ends when every frame is done, when it was interrupted, when nothing can move any
- * more or when a station died.
+ * A failure stays with its frame. The run ends when every frame is done, when it was interrupted, when
+ * nothing can move any more or when a station died.
  */
 class cRunner {
 public:
     cRunner(cGraph& io_graph, const cRunOptions& i_options, cConsole& io_console);
     ~cRunner();
 
-    /** @param i_interrupts how often the user has asked to stop so far: once drains, twice stops. Asked often. */
+    /** @param i_interrupts how often the user has asked to stop so far: once drains, twice stops. Asked
+     * often. */
     EExit run(const std::function<int()>& i_interrupts);
 
 private:

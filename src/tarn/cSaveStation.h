@@ -10,9 +10,9 @@
 /**
  * Writes each frame to a file of its own.
  *
- * No frame writes over a file that another frame of the same run wrote, from whatever station, nor over a file that is
- * read: that frame fails instead. A frame is named after the file that its source read for the stamp, whatever name
- * the image carries: of several sources, the one with the most files.
+ * No frame writes over a file that another frame of the same run wrote, from whatever station, nor over a
+ * file that is read: that frame fails instead. A frame is named after the file that its source read for the
+ * stamp, whatever name the image carries: of several sources, the one with the most files.
  */
 class cSaveStation : public cStation, public cHostStation {
     Q_OBJECT
@@ -37,5 +37,5 @@ private:
     cOutputName m_name;
     QList<cFrameSource*> m_sources; ///< not changed while the graph runs
     qint64 m_arrived = 0;
-    std::atomic<qint64> m_written{0};
+    std::atomic<qint64> m_written {0};
 };

@@ -14,10 +14,7 @@
 
 namespace {
 
-[[noreturn]] void fail(const std::string& i_message)
-{
-    throw std::runtime_error("TIFF: " + i_message);
-}
+[[noreturn]] void fail(const std::string& i_message) { throw std::runtime_error("TIFF: " + i_message); }
 
 /** An open file with the procedures that its kind of store needs, and the first message about a failure. */
 class cTiff {
@@ -28,7 +25,10 @@ public:
     ~cTiff() { close(); }
 
     operator TIFF*() const { return m_tiff; }
-    [[noreturn]] void raise(const char* i_otherwise) const { fail(m_message.empty() ? i_otherwise : m_message); }
+    [[noreturn]] void raise(const char* i_otherwise) const
+    {
+        fail(m_message.empty() ? i_otherwise : m_message);
+    }
     bool hasFailed() const { return !m_message.empty(); }
     void close()
     {
@@ -48,8 +48,8 @@ protected:
         TIFFOpenOptionsSetErrorHandlerExtR(options.get(), &keepMessage, this);
         TIFFOpenOptionsSetWarningHandlerExtR(options.get(), &dropWarning, this);
         const auto closeStore = [](thandle_t) { return 0; };
-        m_tiff = TIFFClientOpenExt(
-            "image", i_mode, i_store, i_read, i_write, i_seek, closeStore, i_size, nullptr, nullptr, options.get());
+        m_tiff = TIFFClientOpenExt("image", i_mode, i_store, i_read, i_write, i_seek, closeStore, i_size,
+            nullptr, nullptr, options.get());
         if (!m_tiff)
             raise("damaged, or not of this format");
     }
@@ -162,10 +162,7 @@ struct Header {
     bool isSplit() const { return planar == PLANARCONFIG_SEPARATE && samples > 1; }
     /** Samples that stand together in a row of the file. */
     unsigned samplesPerRow() const { return isSplit() ? 1 : samples; }
-    bool isRendered() const
-    {
-        return photometric == PHOTOMETRIC_PALETTE || photometric == PHOTOMETRIC_YCBCR;
-    }
+    bool isRendered() const { return photometric == PHOTOMETRIC_PALETTE || photometric == PHOTOMETRIC_YCBCR; }
 };
 
 Header readHeader(const cTiffReader& i_tiff)
@@ -196,32 +193,36 @@ cImgType::ImageTypes typeFor(const Header& i_header)
 {
     if (isSmall(i_header))
         return cImgType::UInt8;
-    if (i_header.photometric == PHOTOMETRIC_RGB && i_header.format == SAMPLEFORMAT_UINT && i_header.bits == 8) {
+    if (i_header.photometric == PHOTOMETRIC_RGB && i_header.format == SAMPLEFORMAT_UINT
+        && i_header.bits == 8) {
         if (i_header.samples == 3)
             return cImgType::RGB24;
         if (i_header.samples == 4)
             return cImgType::RGB32;
     }
-    const auto form = std::find_if(std::begin(s_forms), std::end(s_forms), [&](const Form& i_form) {
-        return i_form.format == i_header.format && i_form.bits == i_header.bits;
-    });
-    const bool pairs = i_header.format == SAMPLEFORMAT_COMPLEXINT || i_header.format == SAMPLEFORMAT_COMPLEXIEEEFP;
+    const auto form = std::find_if(std::begin(s_forms), std::end(s_forms),
+        [&](const Form& i_form) { return i_form.format == i_header.format && i_form.bits == i_header.bits; });
+    const bool pairs
+        = i_header.format == SAMPLEFORMAT_COMPLEXINT || i_header.format == SAMPLEFORMAT_COMPLEXIEEEFP;
     if (form == std::end(s_forms) || (pairs && i_header.samples != 1))
-        fail("no pixel type has " + std::to_string(i_header.samples) + " samples of " + std::to_string(i_header.bits)
-            + " bits in sample format " + std::to_string(i_header.format));
+        fail("no pixel type has " + std::to_string(i_header.samples) + " samples of "
+            + std::to_string(i_header.bits) + " bits in sample format " + std::to_string(i_header.format));
     return form->type;
 }
 
 /** Takes a stretch of a row, as it stands in the file, into the image. */
 class cPlacer {
 public:
-    cPlacer(const Header& i_header, cImg& io_image) :
-        m_header(i_header), m_pixels(io_image.getData()), m_pitch(io_image.getYPitch()),
-        m_pixelSize(io_image.getImgType().getPixelSize())
+    cPlacer(const Header& i_header, cImg& io_image)
+        : m_header(i_header),
+          m_pixels(io_image.getData()),
+          m_pitch(io_image.getYPitch()),
+          m_pixelSize(io_image.getImgType().getPixelSize())
     {
     }
 
-    void place(const unsigned char* i_row, std::uint32_t i_x, std::uint32_t i_y, std::uint32_t i_count, unsigned i_sample)
+    void place(const unsigned char* i_row, std::uint32_t i_x, std::uint32_t i_y, std::uint32_t i_count,
+        unsigned i_sample)
     {
         unsigned char* target = m_pixels + std::size_t(i_y) * m_pitch + std::size_t(i_x) * m_pixelSize;
         if (m_header.bits < 8) {
@@ -270,7 +271,8 @@ void readStrips(const cTiffReader& i_tiff, const Header& i_header, cPlacer& io_p
         }
 }
 
-void readTiles(const cTiffReader& i_tiff, const Header& i_header, cPlacer& io_placer, std::uint64_t i_mostBytes)
+void readTiles(
+    const cTiffReader& i_tiff, const Header& i_header, cPlacer& io_placer, std::uint64_t i_mostBytes)
 {
     std::uint32_t tileWidth = 0, tileHeight = 0;
     TIFFGetField(i_tiff, TIFFTAG_TILEWIDTH, &tileWidth);
@@ -292,7 +294,8 @@ void readTiles(const cTiffReader& i_tiff, const Header& i_header, cPlacer& io_pl
                 const auto count = std::uint32_t(std::min<std::uint64_t>(tileWidth, i_header.width - x));
                 const auto rows = std::uint32_t(std::min<std::uint64_t>(tileHeight, i_header.height - y));
                 for (std::uint32_t row = 0; row < rows; ++row)
-                    io_placer.place(tile.get() + row * bytes, std::uint32_t(x), std::uint32_t(y) + row, count, sample);
+                    io_placer.place(
+                        tile.get() + row * bytes, std::uint32_t(x), std::uint32_t(y) + row, count, sample);
             }
 }
 
@@ -302,7 +305,8 @@ void complement(cImg& io_image)
     const std::size_t bytes = std::size_t(io_image.getWidth()) * io_image.getImgType().getPixelSize();
     for (unsigned y = 0; y < io_image.getHeight(); ++y) {
         unsigned char* row = io_image.row<unsigned char>(y);
-        std::transform(row, row + bytes, row, [](unsigned char i_byte) { return static_cast<unsigned char>(~i_byte); });
+        std::transform(
+            row, row + bytes, row, [](unsigned char i_byte) { return static_cast<unsigned char>(~i_byte); });
     }
 }
 
@@ -311,7 +315,8 @@ cImg render(const cTiffReader& i_tiff, const Header& i_header)
 {
     const std::size_t count = std::size_t(i_header.width) * i_header.height;
     const std::unique_ptr<std::uint32_t[]> pixels(new std::uint32_t[count]);
-    if (!TIFFReadRGBAImageOriented(i_tiff, i_header.width, i_header.height, pixels.get(), ORIENTATION_TOPLEFT, 1)
+    if (!TIFFReadRGBAImageOriented(
+            i_tiff, i_header.width, i_header.height, pixels.get(), ORIENTATION_TOPLEFT, 1)
         || i_tiff.hasFailed())
         i_tiff.raise("the picture cannot be read");
     cImg image(cImgType::RGB24, i_header.width, i_header.height, 1);
@@ -330,7 +335,7 @@ cImg render(const cTiffReader& i_tiff, const Header& i_header)
 std::optional<Form> formFor(cImgType::ImageTypes i_type)
 {
     if (i_type == cImgType::RGB24 || i_type == cImgType::RGB32)
-        return Form{i_type, SAMPLEFORMAT_UINT, 8};
+        return Form {i_type, SAMPLEFORMAT_UINT, 8};
     for (const Form& form : s_forms)
         if (form.type == i_type)
             return form;
@@ -342,12 +347,11 @@ constexpr std::uint64_t s_stripBytes = 1 << 18;
 
 } // namespace
 
-cTiffFormat::cTiffFormat() : cFileFormat(QStringLiteral("TIFF"), QStringLiteral("*.tif *.tiff"), Read | Write) {}
-
-cImgIO* cTiffFormat::clone() const
+cTiffFormat::cTiffFormat() : cFileFormat(QStringLiteral("TIFF"), QStringLiteral("*.tif *.tiff"), Read | Write)
 {
-    return new cTiffFormat;
 }
+
+cImgIO* cTiffFormat::clone() const { return new cTiffFormat; }
 
 bool cTiffFormat::canHold(cImgType::ImageTypes i_type, unsigned i_channels) const
 {
@@ -375,7 +379,8 @@ cImg cTiffFormat::decode(const unsigned char* i_data, std::size_t i_size) const
     const cImgType::ImageTypes type = typeFor(header);
     const std::uint64_t pixelBytes = std::max<std::uint64_t>(1, header.bits / 8) * header.samples;
     checkSize(header.width, header.height, pixelBytes);
-    const bool pairs = header.format == SAMPLEFORMAT_COMPLEXINT || header.format == SAMPLEFORMAT_COMPLEXIEEEFP;
+    const bool pairs
+        = header.format == SAMPLEFORMAT_COMPLEXINT || header.format == SAMPLEFORMAT_COMPLEXIEEEFP;
     if (pairs && TIFFIsByteSwapped(tiff))
         fail("pairs of numbers in foreign byte order are not supported");
     const bool inverted = header.photometric == PHOTOMETRIC_MINISWHITE;
@@ -411,7 +416,8 @@ void cTiffFormat::encode(const cImg& i_image, QIODevice& io_device) const
     TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
     TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE);
     TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
-    // Only the two colour types say that their samples are red, green and blue; that is how a reader knows them.
+    // Only the two colour types say that their samples are red, green and blue; that is how a reader knows
+    // them.
     TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, colour ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK);
     const unsigned extra = samples - (colour ? 3 : 1);
     if (extra) {
@@ -420,7 +426,8 @@ void cTiffFormat::encode(const cImg& i_image, QIODevice& io_device) const
         TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, extra, kinds.data());
     }
     const std::uint64_t rows = std::max<std::uint64_t>(1, s_stripBytes / rowBytes);
-    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, std::uint32_t(std::min<std::uint64_t>(rows, i_image.getHeight())));
+    TIFFSetField(
+        tiff, TIFFTAG_ROWSPERSTRIP, std::uint32_t(std::min<std::uint64_t>(rows, i_image.getHeight())));
     for (unsigned y = 0; y < i_image.getHeight(); ++y) {
         // Rows that are neither compressed nor swapped are only read.
         auto* row = const_cast<unsigned char*>(i_image.getRow<unsigned char>(y));

@@ -3,11 +3,12 @@
 #include "cFileFormat.h"
 
 /**
- * TIFF: the format that holds every pixel type. Integers of 8 to 64 bits and floats of 32 and 64 bits with any number of
- * channels, `RGB24`, `RGB32`, `Complex` and both gradients, the last as pairs of integers.
+ * TIFF: the format that holds every pixel type. Integers of 8 to 64 bits and floats of 32 and 64 bits with
+ * any number of channels, `RGB24`, `RGB32`, `Complex` and both gradients, the last as pairs of integers.
  *
- * Also read: grey of 1, 2 and 4 bits, white-is-zero grey, palettes and YCbCr (as `RGB24`), tiles, separate planes, all
- * compressions that libtiff has. Of a file with several pages the first is read. Files are written uncompressed.
+ * Also read: grey of 1, 2 and 4 bits, white-is-zero grey, palettes and YCbCr (as `RGB24`), tiles, separate
+ * planes, all compressions that libtiff has. Of a file with several pages the first is read. Files are
+ * written uncompressed.
  */
 class cTiffFormat : public cFileFormat {
 public:

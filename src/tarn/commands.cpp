@@ -24,7 +24,8 @@ QString usage()
     QString text = QStringLiteral("usage: tarn <command> ...\n\n");
     for (const Command& command : s_commands)
         text += QStringLiteral("  %1  %2\n")
-                    .arg(QString::fromLatin1(command.name).leftJustified(8), QString::fromLatin1(command.purpose));
+                    .arg(QString::fromLatin1(command.name).leftJustified(8),
+                        QString::fromLatin1(command.purpose));
     return text
         + QStringLiteral("\nexample:  tarn run -e 'files in/*.png ! abs ! save out/{stem}.png'\n"
                          "'tarn <command> --help' tells more.\n");
@@ -73,7 +74,8 @@ EExit runTarn(const QStringList& i_words)
         if (name == names.last())
             return command.run(i_words.mid(1));
     }
-    return refuse(QString(), QStringLiteral("unknown command, found '%1'\n").arg(name) + suggest(name, names));
+    return refuse(
+        QString(), QStringLiteral("unknown command, found '%1'\n").arg(name) + suggest(name, names));
 }
 
 } // namespace host

@@ -10,7 +10,8 @@ enum class EExit;
 
 namespace host {
 
-/** The whole command: the words after the program's name. Results on standard output, everything else on standard error. */
+/** The whole command: the words after the program's name. Results on standard output, everything else on
+ * standard error. */
 EExit runTarn(const QStringList& i_words);
 
 /** One command each; the words after its name. */
@@ -20,7 +21,8 @@ EExit inspectCommand(const QStringList& i_words);
 
 /** Writes to standard output, in UTF-8. */
 void print(const QString& i_text);
-/** Writes "tarn <command>: error: message" and the help in its second line, if it has one; for the caller to return. */
+/** Writes "tarn <command>: error: message" and the help in its second line, if it has one; for the caller to
+ * return. */
 EExit refuse(const QString& i_command, const QString& i_message);
 
 /** What an input takes or an output gives, such as "image: UInt8 of 1 channel, RGB24" or "number". */

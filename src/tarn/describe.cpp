@@ -23,19 +23,23 @@ QString describeImages(const cSupportedImages& i_images)
         QString kind = QString::fromLatin1(meta.valueToKey(type));
         const bool fixed = type == cImgType::RGB24 || type == cImgType::RGB32 || type >= cImgType::Gradient16;
         if (!fixed && channels > 0)
-            kind += QStringLiteral(" of %1 channel%2").arg(channels).arg(channels == 1 ? QString() : QStringLiteral("s"));
+            kind += QStringLiteral(" of %1 channel%2")
+                        .arg(channels)
+                        .arg(channels == 1 ? QString() : QStringLiteral("s"));
         kinds.append(kind);
     }
     kinds.removeDuplicates();
-    return kinds.isEmpty() ? QStringLiteral("image of any type") : QStringLiteral("image: ") + kinds.join(QStringLiteral(", "));
+    return kinds.isEmpty() ? QStringLiteral("image of any type")
+                           : QStringLiteral("image: ") + kinds.join(QStringLiteral(", "));
 }
 
 /** What people call the values of a port that carries no images. */
 QString typeName(const std::type_info& i_type)
 {
     const cObjType* type = cObjType::findType(i_type);
-    return type && type->getTypeInfo() && *type->getTypeInfo() != typeid(void) ? type->getName()
-                                                                              : QString::fromLatin1(i_type.name());
+    return type && type->getTypeInfo() && *type->getTypeInfo() != typeid(void)
+        ? type->getName()
+        : QString::fromLatin1(i_type.name());
 }
 
 struct Row {
@@ -64,7 +68,8 @@ void collect(const cObj& i_map, const QString& i_prefix, const cStationInfo& i_i
                 + choices.join(QStringLiteral(", "));
         const cObj* most = entry->getMetaData(QStringLiteral("max"));
         if (!most->isVoid())
-            meaning += (meaning.isEmpty() ? QString() : QStringLiteral("; ")) + QStringLiteral("at most ") + most->toText();
+            meaning += (meaning.isEmpty() ? QString() : QStringLiteral("; ")) + QStringLiteral("at most ")
+                + most->toText();
         const QString text = entry->toText();
         io_rows.append({path, choices.isEmpty() ? entry->getTypeName() : QStringLiteral("key"),
             text.isEmpty() ? QStringLiteral("\"\"") : text, meaning});
@@ -101,7 +106,8 @@ QString table(const QList<Row>& i_rows)
         // Ports have no value column: their second one is the text.
         QString line = QStringLiteral("  ") + row.key.leftJustified(key) + QStringLiteral("  ");
         if (value == 0)
-            line += wrapped(row.type + (row.meaning.isEmpty() ? QString() : QStringLiteral("; ") + row.meaning), key + 4);
+            line += wrapped(
+                row.type + (row.meaning.isEmpty() ? QString() : QStringLiteral("; ") + row.meaning), key + 4);
         else
             line += row.type.leftJustified(type) + QStringLiteral("  ") + row.value.leftJustified(value)
                 + QStringLiteral("  ") + wrapped(row.meaning, key + type + value + 8);
@@ -126,15 +132,16 @@ QString exampleLine(const QString& i_identifier, const cStationInfo& i_info, con
 {
     QString self = shortName(i_identifier);
     if (i_info.mainParam == QLatin1String("path"))
-        self += i_station.getInports().isEmpty() ? QStringLiteral(" in/*.png") : QStringLiteral(" out/{stem}.png");
+        self += i_station.getInports().isEmpty() ? QStringLiteral(" in/*.png")
+                                                 : QStringLiteral(" out/{stem}.png");
     QStringList imageInputs;
     const auto inports = i_station.getInports();
     for (const cIPortBase* port : inports)
         if (dynamic_cast<const cIPort<cImg>*>(port))
             imageInputs.append(port->getName());
     const auto outports = i_station.getOutports();
-    const bool gives = std::any_of(
-        outports.begin(), outports.end(), [](const cOPortBase* i_port) { return dynamic_cast<const cOPort<cImg>*>(i_port); });
+    const bool gives = std::any_of(outports.begin(), outports.end(),
+        [](const cOPortBase* i_port) { return dynamic_cast<const cOPort<cImg>*>(i_port); });
     const QString sink = gives ? QStringLiteral(" ! save out/{stem}.tif") : QString();
     if (imageInputs.isEmpty())
         return self + sink;

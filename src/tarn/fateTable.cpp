@@ -52,13 +52,15 @@ QString fateTable(const QList<cPortFates>& i_fates, bool i_all)
             columns.append(column);
     }
     QList<QStringList> rows;
-    rows.append(QStringList{QStringLiteral("port")});
+    rows.append(QStringList {QStringLiteral("port")});
     for (const Column& column : qAsConst(columns))
         rows.first().append(QString::fromLatin1(column.title));
     for (const cPortFates& port : qAsConst(listed)) {
-        QStringList row{port.node + u'.' + port.port + (port.output ? QStringLiteral(" (output)") : QString())};
+        QStringList row {
+            port.node + u'.' + port.port + (port.output ? QStringLiteral(" (output)") : QString())};
         for (const Column& column : qAsConst(columns)) {
-            const bool told = !port.output || column.count == &cFates::arrived || column.count == &cFates::lost;
+            const bool told
+                = !port.output || column.count == &cFates::arrived || column.count == &cFates::lost;
             row.append(told ? QString::number(port.fates.*column.count) : QStringLiteral("-"));
         }
         rows.append(row);

@@ -10,12 +10,10 @@
 namespace host {
 namespace {
 
-bool isDigit(QChar c)
-{
-    return c >= u'0' && c <= u'9';
-}
+bool isDigit(QChar c) { return c >= u'0' && c <= u'9'; }
 
-/** The end of the run of digits that begins at a place, and the place of its first digit that is no leading zero. */
+/** The end of the run of digits that begins at a place, and the place of its first digit that is no leading
+ * zero. */
 struct Digits {
     int first;
     int end;
@@ -32,7 +30,8 @@ struct Digits {
 
 bool hasWildcard(const QString& i_text)
 {
-    return std::any_of(i_text.begin(), i_text.end(), [](QChar c) { return c == u'*' || c == u'?' || c == u'['; });
+    return std::any_of(
+        i_text.begin(), i_text.end(), [](QChar c) { return c == u'*' || c == u'?' || c == u'['; });
 }
 
 QString join(const QString& i_folder, const QString& i_name)
@@ -62,7 +61,7 @@ QStringList filesOfFolder(const QString& i_folder)
 QStringList matches(const QString& i_pattern)
 {
     const QStringList parts = i_pattern.split(u'/', Qt::SkipEmptyParts);
-    QStringList found{i_pattern.startsWith(u'/') ? QStringLiteral("/") : QString()};
+    QStringList found {i_pattern.startsWith(u'/') ? QStringLiteral("/") : QString()};
     for (int i = 0; i < parts.size(); ++i) {
         const bool last = i + 1 == parts.size();
         QStringList next;
@@ -75,7 +74,8 @@ QStringList matches(const QString& i_pattern)
             }
             const QDir dir(folder.isEmpty() ? QStringLiteral(".") : folder);
             const QDir::Filters kinds = last ? QDir::Files : QDir::Dirs | QDir::NoDotAndDotDot;
-            for (const QString& name : sorted(dir.entryList({parts[i]}, kinds | QDir::CaseSensitive, QDir::Unsorted)))
+            for (const QString& name :
+                sorted(dir.entryList({parts[i]}, kinds | QDir::CaseSensitive, QDir::Unsorted)))
                 next.append(join(folder, name));
         }
         found = next;
@@ -89,9 +89,10 @@ cExpansion expandOne(const QString& i_pattern)
     if (info.isDir()) {
         const QStringList files = filesOfFolder(i_pattern);
         if (files.isEmpty())
-            return {{}, QStringLiteral("no file that can be read in the folder '%1', expected files with one of the "
-                                       "extensions %2")
-                            .arg(i_pattern, readableExtensions().join(QStringLiteral(", ")))};
+            return {{},
+                QStringLiteral("no file that can be read in the folder '%1', expected files with one of the "
+                               "extensions %2")
+                    .arg(i_pattern, readableExtensions().join(QStringLiteral(", ")))};
         return {files, {}};
     }
     if (info.exists() || !hasWildcard(i_pattern))
@@ -119,7 +120,8 @@ bool naturalLess(const QString& a, const QString& b)
         const Digits left(a, i), right(b, j);
         if (left.length() != right.length())
             return left.length() < right.length();
-        const int order = QStringView(a).mid(left.first, left.length())
+        const int order = QStringView(a)
+                              .mid(left.first, left.length())
                               .compare(QStringView(b).mid(right.first, right.length()));
         if (order != 0)
             return order < 0;
@@ -135,7 +137,8 @@ bool naturalLess(const QString& a, const QString& b)
 cExpansion expandPattern(const QString& i_pattern)
 {
     if (i_pattern.isEmpty())
-        return {{}, QStringLiteral("no file is named, expected a file, a folder or a pattern such as in/*.png")};
+        return {
+            {}, QStringLiteral("no file is named, expected a file, a folder or a pattern such as in/*.png")};
     if (QFileInfo::exists(i_pattern) || !i_pattern.contains(u','))
         return expandOne(i_pattern);
     cExpansion result;

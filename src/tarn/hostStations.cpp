@@ -11,7 +11,8 @@
 namespace host {
 namespace {
 
-/** A walk against the links. Through a subgraph all its stations count, whichever boundary port the way takes. */
+/** A walk against the links. Through a subgraph all its stations count, whichever boundary port the way
+ * takes. */
 class cWalk {
 public:
     void visit(const cDfpNode* i_node)
@@ -80,10 +81,12 @@ QString nameGivingFile(const QList<cFrameSource*>& i_sources, qint64 i_stamp)
 void registerStations()
 {
     static const bool s_done = [] {
-        cStation::registercStation(QStringLiteral("host/files"), []() -> cStation* { return new cFilesStation; },
+        cStation::registercStation(
+            QStringLiteral("host/files"), []() -> cStation* { return new cFilesStation; },
             cFilesStation::getWords());
         cStation::registercStation(
-            QStringLiteral("host/save"), []() -> cStation* { return new cSaveStation; }, cSaveStation::getWords());
+            QStringLiteral("host/save"), []() -> cStation* { return new cSaveStation; },
+            cSaveStation::getWords());
         return true;
     }();
     Q_UNUSED(s_done)

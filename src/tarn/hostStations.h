@@ -13,8 +13,8 @@ public:
     virtual ~cHostStation() = default;
 
     /**
-     * Looks at the parameters before the run starts, when all links are made: what cannot work is refused here, not at the
-     * first frame. Called from the thread that builds the graph.
+     * Looks at the parameters before the run starts, when all links are made: what cannot work is refused
+     * here, not at the first frame. Called from the thread that builds the graph.
      */
     virtual QList<cGraphError> checkParams() = 0;
 };
@@ -40,12 +40,14 @@ public:
 
 namespace host {
 
-/** The sources from which a station's frames come, along all links backwards, those of its first input first. */
+/** The sources from which a station's frames come, along all links backwards, those of its first input first.
+ */
 QList<cFrameSource*> sourcesOf(const cStation& i_station);
 
 /**
- * The file that gives a frame its name: of the sources that have the stamp the one with the most files, the first of equals.
- * (A single dark frame that goes with every picture names none of them.) Empty if there is none.
+ * The file that gives a frame its name: of the sources that have the stamp the one with the most files, the
+ * first of equals. (A single dark frame that goes with every picture names none of them.) Empty if there is
+ * none.
  */
 QString nameGivingFile(const QList<cFrameSource*>& i_sources, qint64 i_stamp);
 

@@ -12,7 +12,9 @@ namespace {
 
 cOptions makeOptions()
 {
-    return cOptions({{QStringLiteral("--help"), QString(), QStringLiteral("this text"), QStringLiteral("-h")}});
+    return cOptions({
+        {QStringLiteral("--help"), QString(), QStringLiteral("this text"), QStringLiteral("-h")}
+    });
 }
 
 } // namespace
@@ -25,12 +27,14 @@ EExit listCommand(const QStringList& i_words)
     if (!problem.isEmpty())
         return refuse(name, problem);
     if (options.has(QStringLiteral("--help"))) {
-        print(QStringLiteral("usage: tarn list [TEXT]\n\nThe stations whose identifier or summary has the text, or all.\n\n")
+        print(QStringLiteral("usage: tarn list [TEXT]\n\nThe stations whose identifier or summary has the "
+                             "text, or all.\n\n")
             + options.usage());
         return EExit::Good;
     }
     if (options.getRest().size() > 1)
-        return refuse(name, QStringLiteral("expected one text to look for, found %1").arg(options.getRest().size()));
+        return refuse(
+            name, QStringLiteral("expected one text to look for, found %1").arg(options.getRest().size()));
     const QString text = options.getRest().value(0);
     QStringList found;
     int width = 0;
@@ -42,7 +46,8 @@ EExit listCommand(const QStringList& i_words)
             width = std::max(width, int(id.size()));
         }
     if (found.isEmpty())
-        return refuse(name, QStringLiteral("no station has '%1' in its identifier or summary\n").arg(text)
+        return refuse(name,
+            QStringLiteral("no station has '%1' in its identifier or summary\n").arg(text)
                 + suggest(text, identifiers));
     QString lines;
     for (const QString& id : qAsConst(found)) {
@@ -61,21 +66,26 @@ EExit inspectCommand(const QStringList& i_words)
     if (!problem.isEmpty())
         return refuse(name, problem);
     if (options.has(QStringLiteral("--help"))) {
-        print(QStringLiteral("usage: tarn inspect STATION\n\nEverything about a station, which is named by its identifier or "
+        print(QStringLiteral("usage: tarn inspect STATION\n\nEverything about a station, which is named by "
+                             "its identifier or "
                              "the unique end of one.\n\n")
             + options.usage());
         return EExit::Good;
     }
     if (options.getRest().size() != 1)
-        return refuse(name, QStringLiteral("expected one station, found %1\n'tarn list' names them").arg(options.getRest().size()));
+        return refuse(name,
+            QStringLiteral("expected one station, found %1\n'tarn list' names them")
+                .arg(options.getRest().size()));
     const QString& text = options.getRest().first();
     const QStringList found = cStation::resolveIdentifier(text);
     if (found.isEmpty())
-        return refuse(name, QStringLiteral("unknown station, found '%1'\n").arg(text)
+        return refuse(name,
+            QStringLiteral("unknown station, found '%1'\n").arg(text)
                 + suggest(text, cStation::getIdentifiers()));
     if (found.size() > 1)
-        return refuse(name, QStringLiteral("the station '%1' is ambiguous, expected one of: %2\nwrite more of the identifier")
-                                .arg(text, found.join(QStringLiteral(", "))));
+        return refuse(name,
+            QStringLiteral("the station '%1' is ambiguous, expected one of: %2\nwrite more of the identifier")
+                .arg(text, found.join(QStringLiteral(", "))));
     const std::unique_ptr<cStation> station(cStation::create(found.first()));
     print(describeStation(found.first(), *station));
     return EExit::Good;

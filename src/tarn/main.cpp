@@ -18,13 +18,10 @@ void passWarnings(QtMsgType i_type, const QMessageLogContext&, const QString& i_
         std::fprintf(stderr, "%s\n", qUtf8Printable(i_text));
 }
 
-// The first of these notes is written while libraries are loaded, before anything else of this program runs. The
-// sanitizers' run-time is not up yet at that time.
+// The first of these notes is written while libraries are loaded, before anything else of this program runs.
+// The sanitizers' run-time is not up yet at that time.
 #if defined(__linux__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-void installEarly()
-{
-    qInstallMessageHandler(passWarnings);
-}
+void installEarly() { qInstallMessageHandler(passWarnings); }
 __attribute__((section(".preinit_array"), used)) void (*s_installEarly)() = installEarly;
 #endif
 
@@ -33,7 +30,8 @@ __attribute__((section(".preinit_array"), used)) void (*s_installEarly)() = inst
 int main(int i_count, char** i_words)
 {
     qInstallMessageHandler(passWarnings);
-    // File names and messages are UTF-8 whatever the locale says: in the plain "C" one names would not survive.
+    // File names and messages are UTF-8 whatever the locale says: in the plain "C" one names would not
+    // survive.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     const QCoreApplication application(i_count, i_words);
     // The trace goes through the console, if at all.

@@ -35,7 +35,8 @@ QString describe(const cToken& i_token)
 
 const QRegularExpression& keyPattern()
 {
-    static const QRegularExpression s_pattern(QStringLiteral("^[A-Za-z_][A-Za-z0-9_-]*([./][A-Za-z0-9_-]+)*$"));
+    static const QRegularExpression s_pattern(
+        QStringLiteral("^[A-Za-z_][A-Za-z0-9_-]*([./][A-Za-z0-9_-]+)*$"));
     return s_pattern;
 }
 
@@ -61,7 +62,7 @@ std::optional<cArgument> toArgument(const cWord& i_word)
     const int sign = first.text.indexOf(u'=');
     if (sign < 0 || !keyPattern().match(first.text.left(sign)).hasMatch())
         return {};
-    cArgument argument{first.text.left(sign), i_word, i_word.pos};
+    cArgument argument {first.text.left(sign), i_word, i_word.pos};
     cWordPiece& head = argument.value.pieces.first();
     head.text.remove(0, sign + 1);
     head.pos.column += sign + 1; // the key is ASCII: one column each
@@ -94,15 +95,19 @@ public:
     cParsedPipeline run()
     {
         readScope(m_result.pipeline, 0);
-        std::stable_sort(m_result.errors.begin(), m_result.errors.end(), [](const cDiagnostic& a, const cDiagnostic& b) {
-            return std::tie(a.pos.line, a.pos.column) < std::tie(b.pos.line, b.pos.column);
-        });
+        std::stable_sort(
+            m_result.errors.begin(), m_result.errors.end(), [](const cDiagnostic& a, const cDiagnostic& b) {
+                return std::tie(a.pos.line, a.pos.column) < std::tie(b.pos.line, b.pos.column);
+            });
         m_result.errors = m_result.errors.mid(0, s_mostErrors);
         return std::move(m_result);
     }
 
 private:
-    const cToken& peek(int i_ahead = 0) const { return m_tokens[std::min(m_index + i_ahead, int(m_tokens.size()) - 1)]; }
+    const cToken& peek(int i_ahead = 0) const
+    {
+        return m_tokens[std::min(m_index + i_ahead, int(m_tokens.size()) - 1)];
+    }
     void skipNewLines()
     {
         while (peek().kind == cToken::NewLine)
@@ -123,13 +128,15 @@ private:
             case cToken::End:
                 if (i_depth > 0)
                     error(io_scope.pos,
-                        QStringLiteral("%1: the graph is not closed, expected '}' before the end").arg(io_scope.name));
+                        QStringLiteral("%1: the graph is not closed, expected '}' before the end")
+                            .arg(io_scope.name));
                 return;
             case cToken::Close:
                 ++m_index;
                 if (i_depth > 0)
                     return;
-                error(token.getPos(), QStringLiteral("'}' closes nothing, expected 'graph name {' before it"));
+                error(
+                    token.getPos(), QStringLiteral("'}' closes nothing, expected 'graph name {' before it"));
                 break;
             case cToken::Open:
                 ++m_index;
@@ -160,7 +167,8 @@ private:
         static const QRegularExpression s_name(QStringLiteral("^[A-Za-z0-9_-]+$"));
         if (!peek(1).word.isPlain() || !s_name.match(graph.name).hasMatch())
             error(graph.pos,
-                QStringLiteral("a graph's name is of letters, digits, '_' and '-', found '%1'").arg(graph.name));
+                QStringLiteral("a graph's name is of letters, digits, '_' and '-', found '%1'")
+                    .arg(graph.name));
         m_index += 3;
         if (i_depth == s_deepest) {
             error(graph.pos,
@@ -176,7 +184,8 @@ private:
     {
         cChain chain;
         if (peek().kind == cToken::Bang)
-            error(peek().getPos(), QStringLiteral("a chain begins with '!', expected a station or a reference before it"));
+            error(peek().getPos(),
+                QStringLiteral("a chain begins with '!', expected a station or a reference before it"));
         else
             readElement(chain);
         for (;;) {
@@ -192,7 +201,8 @@ private:
                 readElement(chain);
             else
                 error(bang.getPos(),
-                    QStringLiteral("expected a station or a reference after '!', found %1").arg(describe(peek())));
+                    QStringLiteral("expected a station or a reference after '!', found %1")
+                        .arg(describe(peek())));
         }
         checkReferences(chain);
         if (!chain.elements.isEmpty())
@@ -207,7 +217,8 @@ private:
         element.pos = word.pos;
         if (const auto argument = toArgument(word)) {
             error(word.pos,
-                QStringLiteral("a parameter needs its station before it on the same line, found '%1'").arg(word.toString()));
+                QStringLiteral("a parameter needs its station before it on the same line, found '%1'")
+                    .arg(word.toString()));
             return;
         }
         if (isReference(word)) {
@@ -253,7 +264,8 @@ private:
                 return;
             if (keys.contains(argument->key))
                 error(argument->pos,
-                    QStringLiteral("%1: '%2' is given twice").arg(io_element.station.toString(), argument->key));
+                    QStringLiteral("%1: '%2' is given twice")
+                        .arg(io_element.station.toString(), argument->key));
             else
                 io_element.arguments.append(*argument);
             keys.insert(argument->key);
@@ -280,9 +292,11 @@ private:
                 continue;
             const QString text = element.node + u'.' + element.port;
             if (i_chain.elements.size() == 1)
-                error(element.pos, QStringLiteral("'%1' stands alone, expected '!' and what it is linked with").arg(text));
+                error(element.pos,
+                    QStringLiteral("'%1' stands alone, expected '!' and what it is linked with").arg(text));
             else if (i > 0 && i + 1 < i_chain.elements.size())
-                error(element.pos, QStringLiteral("'%1' stands inside a chain, a reference begins or ends one").arg(text),
+                error(element.pos,
+                    QStringLiteral("'%1' stands inside a chain, a reference begins or ends one").arg(text),
                     QStringLiteral("end the chain here and begin another with '%1.'").arg(element.node));
         }
     }

@@ -5,7 +5,8 @@
 /**
  * Sum of two images, saturated to the range of the pixel type; single precision for Float32.
  *
- * Inputs: two images of one type and size, of UInt8, UInt16, SInt16 or Float32 with one channel, RGB24 or RGB32.
+ * Inputs: two images of one type and size, of UInt8, UInt16, SInt16 or Float32 with one channel, RGB24 or
+ * RGB32.
  */
 class TARNIMG_EXPORT cAddImagesFunctor : public cImgFunctor {
 public:

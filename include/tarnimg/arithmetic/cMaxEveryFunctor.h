@@ -5,8 +5,8 @@
 /**
  * Greater pixel of two images, channel by channel, alpha included.
  *
- * Inputs: two images of one type and size, of UInt8, UInt16, SInt16 or Float32 with one channel, RGB24 or RGB32. Where one
- * of two Float32 pixels is no number, the pixel of b stays.
+ * Inputs: two images of one type and size, of UInt8, UInt16, SInt16 or Float32 with one channel, RGB24 or
+ * RGB32. Where one of two Float32 pixels is no number, the pixel of b stays.
  */
 class TARNIMG_EXPORT cMaxEveryFunctor : public cImgFunctor {
 public:
