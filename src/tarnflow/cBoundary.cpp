@@ -38,7 +38,8 @@ void cBoundary::enableAudit(bool i_enable)
 bool cBoundary::removeLink(cPortBase* i_port)
 {
     const std::lock_guard lock(cPortBase::linkMutex());
-    // Each call takes the far end out of the list; it may go away itself, being a boundary that has lost its last inner link.
+    // Each call takes the far end out of the list; it may go away itself, being a boundary that has lost its
+    // last inner link.
     while (!m_self->m_links.isEmpty())
         m_self->m_links.first().port->removeLink(m_self);
     if (!i_port)

@@ -5,7 +5,9 @@
 #include <tarnflow/cOPortBase.h>
 
 cBuffer::cBuffer(cOPortBase* i_parent)
-    : m_parent(i_parent), m_pool(i_parent ? i_parent->m_pool : nullptr), m_asList({this})
+    : m_parent(i_parent),
+      m_pool(i_parent ? i_parent->m_pool : nullptr),
+      m_asList({this})
 {
 }
 

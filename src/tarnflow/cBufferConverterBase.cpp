@@ -4,7 +4,8 @@
 #include <tarnbase/cTypeConverterBase.h>
 #include <tarnflow/cPortBase.h>
 
-cBufferConverterBase::cBufferConverterBase(const cTypeConverterBase* i_converter) : m_converter(i_converter->clone())
+cBufferConverterBase::cBufferConverterBase(const cTypeConverterBase* i_converter)
+    : m_converter(i_converter->clone())
 {
 }
 

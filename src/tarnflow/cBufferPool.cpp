@@ -40,7 +40,8 @@ cBuffer* cBufferPool::take(int i_limit, bool i_wait)
         if (!i_wait || m_stopped || room() == 0)
             return nullptr;
         if (!flowKnown) {
-            // The way from a node to its flow takes the mutex of the links, under which pools are asked for their counts.
+            // The way from a node to its flow takes the mutex of the links, under which pools are asked for
+            // their counts.
             lock.unlock();
             portFlow = flowOf(m_port->getNode());
             flowKnown = true;

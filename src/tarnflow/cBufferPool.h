@@ -14,7 +14,8 @@ class cStation;
 /**
  * The buffers of one output port. It lives as long as the port or any buffer of it.
  *
- * A buffer that comes back while threads sleep is handed to the one that has slept longest; nobody else wakes.
+ * A buffer that comes back while threads sleep is handed to the one that has slept longest; nobody else
+ * wakes.
  */
 class cBufferPool {
 public:

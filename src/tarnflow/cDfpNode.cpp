@@ -10,8 +10,8 @@ cDfpNode::cDfpNode(const QString& i_name) : m_name(i_name) {}
 
 cDfpNode::~cDfpNode()
 {
-    // The ports that are members have gone by now. What is left was made dynamically, and a boundary port can take another
-    // one with it.
+    // The ports that are members have gone by now. What is left was made dynamically, and a boundary port can
+    // take another one with it.
     while (!m_inports.isEmpty())
         delete m_inports.last();
     while (!m_outports.isEmpty())
@@ -115,7 +115,8 @@ void cDfpNode::addPort(cPortBase* i_port)
 
 void cDfpNode::removePort(cPortBase* i_port)
 {
-    // Called from the port's destructor too, when it is nothing more than a cPortBase: so no casts to what it was.
+    // Called from the port's destructor too, when it is nothing more than a cPortBase: so no casts to what it
+    // was.
     const std::lock_guard lock(cPortBase::linkMutex());
     const auto isPort = [&](cPortBase* port) { return port == i_port; };
     m_inports.erase(std::remove_if(m_inports.begin(), m_inports.end(), isPort), m_inports.end());

@@ -11,9 +11,10 @@
 /**
  * How far the data of an outermost graph has got.
  *
- * Counts the stations that have a job queued or running, and the threads that sleep for a buffer. A delivery is synchronous,
- * so a job queues its successors before it ends: the first count reaches zero exactly when nothing is left to do. Whoever
- * gives a sleeper its buffer takes it off the second count, so that a sleeper that is about to wake counts as awake.
+ * Counts the stations that have a job queued or running, and the threads that sleep for a buffer. A delivery
+ * is synchronous, so a job queues its successors before it ends: the first count reaches zero exactly when
+ * nothing is left to do. Whoever gives a sleeper its buffer takes it off the second count, so that a sleeper
+ * that is about to wake counts as awake.
  *
  * All counts stand in one atomic word, and so belong together whenever they are read.
  */

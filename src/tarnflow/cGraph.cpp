@@ -69,7 +69,8 @@ bool cGraph::checkNewName(const QString& i_name, cGraphError* o_error) const
 {
     const QString fit = const_cast<cGraph*>(this)->checkName(i_name);
     if (i_name.isEmpty() || fit != i_name)
-        return fail(o_error, i_name, QStringLiteral("the name of a node has letters, digits, '_' and '-' only"),
+        return fail(o_error, i_name,
+            QStringLiteral("the name of a node has letters, digits, '_' and '-' only"),
             fit.isEmpty() ? QString() : QStringLiteral("call it %1").arg(quoted(fit)));
     if (findNode(i_name))
         return fail(o_error, i_name, QStringLiteral("there is a node of this name already"),
@@ -99,18 +100,21 @@ cStation* cGraph::addStation(const QString& i_id, const QString& i_name, cGraphE
     }
     if (found.size() > 1) {
         fail(o_error, i_id,
-            QStringLiteral("%1 names several stations: %2").arg(quoted(i_id), found.join(QStringLiteral(", "))),
+            QStringLiteral("%1 names several stations: %2")
+                .arg(quoted(i_id), found.join(QStringLiteral(", "))),
             QStringLiteral("write as much of the path as makes it unique"));
         return nullptr;
     }
-    const QString name = i_name.isEmpty() ? freeName(checkName(found.first().section(QLatin1Char('/'), -1))) : i_name;
+    const QString name
+        = i_name.isEmpty() ? freeName(checkName(found.first().section(QLatin1Char('/'), -1))) : i_name;
     if (!checkNewName(name, o_error))
         return nullptr;
     std::unique_ptr<cStation> station;
     try {
         station.reset(cStation::create(found.first()));
     } catch (const std::exception& exception) {
-        fail(o_error, name, QStringLiteral("cannot be made: %1").arg(QString::fromLocal8Bit(exception.what())));
+        fail(o_error, name,
+            QStringLiteral("cannot be made: %1").arg(QString::fromLocal8Bit(exception.what())));
         return nullptr;
     }
     if (!station) {
@@ -318,7 +322,8 @@ bool cGraph::run(StartReasons i_reason, QList<cGraphError>* o_errors)
             postStart(i_reason);
         } catch (const StartFailure& failure) {
             stop();
-            errors.append({failure.place, QStringLiteral("cannot be started: %1").arg(failure.message), QString()});
+            errors.append(
+                {failure.place, QStringLiteral("cannot be started: %1").arg(failure.message), QString()});
         }
     }
     if (o_errors)

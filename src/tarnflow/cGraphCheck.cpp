@@ -33,7 +33,10 @@ QList<cStation*> successorsOf(const cStation* i_station)
     return successors;
 }
 
-quint64 delayOf(cIPortBase* i_port) { return i_port->getGroup() ? i_port->getGroup()->getQueueParams(i_port).delay : 0; }
+quint64 delayOf(cIPortBase* i_port)
+{
+    return i_port->getGroup() ? i_port->getGroup()->getQueueParams(i_port).delay : 0;
+}
 
 /** Walks the inputs in which the buffers of one pool can wait. */
 class RoomCounter {
@@ -103,7 +106,8 @@ void cGraph::checkInputs(QList<cGraphError>& io_errors) const
         for (const cPortGroupBase* group : station->getPortGroups())
             for (cIPortBase* port : group->getPorts())
                 if (group->getQueueParams(port).required && !hasSender(port))
-                    io_errors.append({port->getPortPath(), QStringLiteral("the input is required, but nothing is linked with it"),
+                    io_errors.append({port->getPortPath(),
+                        QStringLiteral("the input is required, but nothing is linked with it"),
                         QStringLiteral("link an output of type %1 with it").arg(port->getTypeName())});
     }
 }
@@ -120,7 +124,9 @@ void cGraph::checkCycles(QList<cGraphError>& io_errors) const
         if (visits.value(start, EVisit::New) != EVisit::New)
             continue;
         visits[start] = EVisit::OnPath;
-        std::vector<Step> path {{start, successorsOf(start)}};
+        std::vector<Step> path {
+            {start, successorsOf(start)}
+        };
         while (!path.empty()) {
             if (path.back().successors.isEmpty()) {
                 visits[path.back().station] = EVisit::Done;
@@ -151,7 +157,8 @@ void cGraph::checkReadiness(QList<cGraphError>& io_errors) const
 {
     for (cStation* station : getStations())
         if (station->isEnabled() && !station->canStart())
-            io_errors.append({station->getPathName(), QStringLiteral("the station is not ready to start"), QString()});
+            io_errors.append(
+                {station->getPathName(), QStringLiteral("the station is not ready to start"), QString()});
 }
 
 void cGraph::updateRooms()
@@ -172,11 +179,12 @@ QStringList cGraph::describeWaits() const
     QStringList lines;
     const auto describe = [&](const cOPortBase* i_pool, const QString& i_receivers) {
         for (const cStation* sleeper : i_pool->getSleepers())
-            lines.append(QStringLiteral("%1 waits for a buffer of %2: %3 of %4 are held; receivers: %5")
-                             .arg(sleeper ? sleeper->getPathName() : QStringLiteral("the host"), i_pool->getPortPath())
-                             .arg(i_pool->getHeldCount())
-                             .arg(qint64(i_pool->getPoolLimit()) + i_pool->getExtraRoom())
-                             .arg(i_receivers));
+            lines.append(
+                QStringLiteral("%1 waits for a buffer of %2: %3 of %4 are held; receivers: %5")
+                    .arg(sleeper ? sleeper->getPathName() : QStringLiteral("the host"), i_pool->getPortPath())
+                    .arg(i_pool->getHeldCount())
+                    .arg(qint64(i_pool->getPoolLimit()) + i_pool->getExtraRoom())
+                    .arg(i_receivers));
     };
     const auto holding = [](cIPortBase* i_input) {
         const int waiting = i_input->getGroup() ? i_input->getGroup()->getDataCount(i_input) : 0;

@@ -30,10 +30,7 @@ template <class Port> QStringList namesOf(const QList<Port*>& i_ports)
     return names;
 }
 
-bool isLinked(const cOPortBase* i_from, cIPortBase* i_to)
-{
-    return i_from->getLinkedPorts().contains(i_to);
-}
+bool isLinked(const cOPortBase* i_from, cIPortBase* i_to) { return i_from->getLinkedPorts().contains(i_to); }
 
 bool canConvert(cOPortBase* i_from, cIPortBase* i_to)
 {
@@ -115,7 +112,8 @@ bool cGraph::link(const QString& i_from, const QString& i_to, cGraphError* o_err
     if (from.size() == 1 && to.size() == 1)
         return checkFree(from.first(), to.first(), o_error) && link(from.first(), to.first(), o_error);
 
-    std::stable_partition(from.begin(), from.end(), [](const cOPortBase* port) { return !port->isConnected(); });
+    std::stable_partition(
+        from.begin(), from.end(), [](const cOPortBase* port) { return !port->isConnected(); });
     for (const bool converted : {false, true})
         for (cOPortBase* output : qAsConst(from))
             for (cIPortBase* input : to)
@@ -123,7 +121,8 @@ bool cGraph::link(const QString& i_from, const QString& i_to, cGraphError* o_err
                     && fits(output, input))
                     return link(output, input, o_error);
 
-    const bool allTaken = std::all_of(to.begin(), to.end(), [](const cIPortBase* port) { return port->isConnected(); });
+    const bool allTaken
+        = std::all_of(to.begin(), to.end(), [](const cIPortBase* port) { return port->isConnected(); });
     if (allTaken)
         return fail(o_error, i_to, QStringLiteral("every input is linked already"),
             QStringLiteral("name the input, and unlink what it is linked with"));
@@ -149,7 +148,8 @@ bool cGraph::checkLink(cOPortBase* i_from, cIPortBase* i_to, cGraphError* o_erro
     const cDfpNode* receiver = i_to->getNode();
     // A port without a node is a tap of the host: it may look at any place.
     if ((sender && !isInside(i_from)) || (receiver && !isInside(i_to)))
-        return fail(o_error, to, QStringLiteral("%1 and %2 are not both in this graph").arg(quoted(from), quoted(to)));
+        return fail(o_error, to,
+            QStringLiteral("%1 and %2 are not both in this graph").arg(quoted(from), quoted(to)));
     if (sender && receiver && sender->getGraph() != receiver->getGraph())
         return fail(o_error, to, QStringLiteral("a link cannot cross the boundary of a subgraph"),
             QStringLiteral("give the subgraph a port of its own and link that"));
@@ -254,7 +254,8 @@ cPortBase* cGraph::findInner(const QString& i_inner, bool i_out, cGraphError* o_
         inner = ports.value(0);
     }
     if (count > 1) {
-        fail(o_error, i_inner, QStringLiteral("has several ports"), QStringLiteral("name the port, as in \"node.port\""));
+        fail(o_error, i_inner, QStringLiteral("has several ports"),
+            QStringLiteral("name the port, as in \"node.port\""));
         return nullptr;
     }
     if (inner && inner->getNode()->getGraph() != this) {
@@ -267,10 +268,13 @@ cPortBase* cGraph::findInner(const QString& i_inner, bool i_out, cGraphError* o_
 
 bool cGraph::checkExport(const cPortBase* i_inner, const QString& i_name, cGraphError* o_error) const
 {
-    const cPortBase* same = i_inner->isInport() ? static_cast<cPortBase*>(getInport(i_name)) : getOutport(i_name);
-    const cPortBase* other = i_inner->isInport() ? static_cast<cPortBase*>(getOutport(i_name)) : getInport(i_name);
+    const cPortBase* same
+        = i_inner->isInport() ? static_cast<cPortBase*>(getInport(i_name)) : getOutport(i_name);
+    const cPortBase* other
+        = i_inner->isInport() ? static_cast<cPortBase*>(getOutport(i_name)) : getInport(i_name);
     if (i_name.isEmpty() || const_cast<cGraph*>(this)->checkName(i_name) != i_name)
-        return fail(o_error, i_name, QStringLiteral("the name of a port has letters, digits, '_' and '-' only"));
+        return fail(
+            o_error, i_name, QStringLiteral("the name of a port has letters, digits, '_' and '-' only"));
     if (other)
         return fail(o_error, i_name, QStringLiteral("the graph has another port of this name"));
     if (same && same->getTypeID() != i_inner->getTypeID())
@@ -278,7 +282,8 @@ bool cGraph::checkExport(const cPortBase* i_inner, const QString& i_name, cGraph
             QStringLiteral("is of type %1, but %2 is of type %3")
                 .arg(same->getTypeName(), quoted(i_inner->getPortPath()), i_inner->getTypeName()));
     if (same && same->hasInner(i_inner))
-        return fail(o_error, i_name, QStringLiteral("stands for %1 already").arg(quoted(i_inner->getPortPath())));
+        return fail(
+            o_error, i_name, QStringLiteral("stands for %1 already").arg(quoted(i_inner->getPortPath())));
     if (i_inner->isInport() && i_inner->isConnected())
         return fail(o_error, i_inner->getPortPath(), QStringLiteral("has a sender already"),
             QStringLiteral("unlink that first"));

@@ -39,9 +39,8 @@ QStringList keysOf(cDfpNode& i_node)
 {
     QStringList keys;
     addKeys(i_node.getParams(), QString(), keys);
-    const auto addPortKeys = [&](cPortBase* port) {
-        addKeys(port->getParams(), port->getName() + QLatin1Char('.'), keys);
-    };
+    const auto addPortKeys
+        = [&](cPortBase* port) { addKeys(port->getParams(), port->getName() + QLatin1Char('.'), keys); };
     for (cIPortBase* port : i_node.getInports())
         addPortKeys(port);
     for (cOPortBase* port : i_node.getOutports())
@@ -100,7 +99,8 @@ bool cGraph::findPlace(const QString& i_path, cPlace& o_place, cGraphError* o_er
 {
     const int dot = i_path.indexOf(QLatin1Char('.'));
     if (dot < 0)
-        return fail(o_error, i_path, QStringLiteral("a parameter is named \"node.key\" or \"node.port.key\""));
+        return fail(
+            o_error, i_path, QStringLiteral("a parameter is named \"node.key\" or \"node.port.key\""));
     o_place.node = needNode(i_path.left(dot), o_error);
     if (!o_place.node)
         return false;
@@ -165,7 +165,8 @@ bool cGraph::writeParam(
         bool locked = false;
         while (!(locked = mutex.tryLock(s_lockStep)) && !station->isDead())
             if (getFlowOfRoot() == EFlow::Stalled)
-                return fail(o_error, i_path, QStringLiteral("the station is in a step that waits for a buffer"),
+                return fail(o_error, i_path,
+                    QStringLiteral("the station is in a step that waits for a buffer"),
                     QStringLiteral("stop the graph first"));
         entry->assign(trial.get());
         if (locked)
@@ -200,7 +201,8 @@ bool cGraph::setParam(const QString& i_path, const QVariant& i_value, cGraphErro
                 return true;
             }
             *message = QStringLiteral("expected %1, found %2")
-                           .arg(entry.getTypeName(), QString::fromLatin1(i_value.isValid() ? i_value.typeName() : "nothing"));
+                           .arg(entry.getTypeName(),
+                               QString::fromLatin1(i_value.isValid() ? i_value.typeName() : "nothing"));
             return false;
         },
         o_error);

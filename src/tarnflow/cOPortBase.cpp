@@ -23,7 +23,8 @@ struct cOPortBase::Receivers {
     int users = 0; ///< deliveries under way, guarded by the port's m_receiversMutex
 };
 
-/** One delivery under way: holds on to the receivers of the moment at which it began. No lock is held meanwhile. */
+/** One delivery under way: holds on to the receivers of the moment at which it began. No lock is held
+ * meanwhile. */
 class cOPortBase::Delivery {
 public:
     explicit Delivery(cOPortBase& io_port) : m_port(io_port), m_outer(s_innermost)
@@ -73,7 +74,8 @@ private:
 thread_local cOPortBase::Delivery* cOPortBase::Delivery::s_innermost = nullptr;
 
 cOPortBase::cOPortBase(cDfpNode* i_node, const QString& i_name, unsigned int i_poolSize)
-    : cPortBase(nullptr, i_name), m_poolLimit(int(std::min(i_poolSize, 0x7fffffffu))),
+    : cPortBase(nullptr, i_name),
+      m_poolLimit(int(std::min(i_poolSize, 0x7fffffffu))),
       m_pool(std::make_shared<cBufferPool>(this))
 {
     if (i_node)
@@ -99,7 +101,8 @@ cOPortBase::Receivers& cOPortBase::currentReceivers()
         const std::lock_guard lock(linkMutex());
         receivers->generation = getLinkGeneration();
         for (const auto& [port, converter] : getReceiver())
-            receivers->list.push_back({port, converter, converter ? converter->weak_from_this().lock() : nullptr});
+            receivers->list.push_back(
+                {port, converter, converter ? converter->weak_from_this().lock() : nullptr});
     }
     m_receivers = std::move(receivers);
     return *m_receivers;
@@ -136,8 +139,8 @@ void cOPortBase::sendBuffer(cBuffer* i_buffer)
     cStepScope::noteSent();
     const cStepScope::Suspension suspension;
     const Delivery delivery(*this);
-    // Each taker gets a reference before the first one is called: none can find itself the only holder too early. The
-    // caller's reference is the last taker's, who can then work in place.
+    // Each taker gets a reference before the first one is called: none can find itself the only holder too
+    // early. The caller's reference is the last taker's, who can then work in place.
     const auto takers = std::count_if(delivery.receivers().begin(), delivery.receivers().end(),
         [](const Receivers::Receiver& receiver) { return receiver.port->takesBuffers(); });
     for (auto more = takers; more > 1; --more)
@@ -149,7 +152,8 @@ void cOPortBase::sendBuffer(cBuffer* i_buffer)
         try {
             receiver.port->receiveBuffer(i_buffer->asList(), receiver.converter, true);
         } catch (...) {
-            cTracer::cerr << receiver.port->getPortPath() << ": an exception escaped from a receiver" << cTracer::end();
+            cTracer::cerr << receiver.port->getPortPath() << ": an exception escaped from a receiver"
+                          << cTracer::end();
         }
     }
     if (takers < qint64(delivery.receivers().size()))
@@ -176,7 +180,8 @@ void cOPortBase::sendFinish(const cBufferStamp& i_stamp, bool i_idle)
         try {
             receiver.port->m_finishCallback(i_stamp, i_idle);
         } catch (...) {
-            cTracer::cerr << receiver.port->getPortPath() << ": an exception escaped from a receiver" << cTracer::end();
+            cTracer::cerr << receiver.port->getPortPath() << ": an exception escaped from a receiver"
+                          << cTracer::end();
         }
     }
 }

@@ -15,7 +15,8 @@
 namespace {
 constexpr int s_auditLimit = 256;
 
-bool eraseLink(QVector<cPortLink>& io_links, const cPortBase* i_port, std::shared_ptr<cBufferConverterBase>& o_converter)
+bool eraseLink(
+    QVector<cPortLink>& io_links, const cPortBase* i_port, std::shared_ptr<cBufferConverterBase>& o_converter)
 {
     const auto found = std::find_if(
         io_links.begin(), io_links.end(), [&](const cPortLink& link) { return link.port == i_port; });
@@ -95,7 +96,8 @@ QList<cAuditRecord> cPortBase::getAuditRecords() const
     return m_auditRecords;
 }
 
-void cPortBase::linkPorts(cPortBase* i_from, cPortBase* i_to, std::shared_ptr<cBufferConverterBase> i_converter)
+void cPortBase::linkPorts(
+    cPortBase* i_from, cPortBase* i_to, std::shared_ptr<cBufferConverterBase> i_converter)
 {
     static quint64 s_serial = 0;
     const std::lock_guard lock(linkMutex());
@@ -114,7 +116,8 @@ bool cPortBase::unlinkPorts(cPortBase* i_a, cPortBase* i_b)
     const bool atB = eraseLink(i_b->m_links, i_a, converter);
     if (!atA && !atB)
         return false;
-    // Buffers that a converter made may wait in the receiver's queue; their port must be there until they have come back.
+    // Buffers that a converter made may wait in the receiver's queue; their port must be there until they
+    // have come back.
     auto& retired = receiver->m_retired;
     retired.erase(std::remove_if(retired.begin(), retired.end(),
                       [](const auto& old) { return old->getPool()->getHeldCount() == 0; }),

@@ -11,7 +11,8 @@
 cStation::cStation() : cStation(QString()) {}
 
 cStation::cStation(const QString& i_name)
-    : cDfpNode(i_name), m_thread(std::make_unique<cStationThread>(*this))
+    : cDfpNode(i_name),
+      m_thread(std::make_unique<cStationThread>(*this))
 {
 }
 

@@ -16,8 +16,9 @@ class cStation;
 /**
  * The job queue of a station and the thread that works it off.
  *
- * The thread starts with the first job and sleeps while there is nothing to do. Jobs run one at a time, in the order of their
- * stamps; jobs of equal stamps in the order in which they came. Those of a dead station run too: they only tidy up.
+ * The thread starts with the first job and sleeps while there is nothing to do. Jobs run one at a time, in
+ * the order of their stamps; jobs of equal stamps in the order in which they came. Those of a dead station
+ * run too: they only tidy up.
  */
 class cStationThread {
 public:

@@ -2,13 +2,13 @@
 #include <tarnflow/cIPort.h>
 #include <tarnflow/cOPort.h>
 
-#define TARNFLOW_INSTANTIATE(T) \
-    template class cBufferT<T>; \
-    template class cBufferConverter<T>; \
-    template class cIPortT<T>; \
-    template class cIPort<T>; \
-    template class cOPortT<T>; \
-    template class cOPort<T>; \
-    template class cImport<T>; \
+#define TARNFLOW_INSTANTIATE(T)                                                                              \
+    template class cBufferT<T>;                                                                              \
+    template class cBufferConverter<T>;                                                                      \
+    template class cIPortT<T>;                                                                               \
+    template class cIPort<T>;                                                                                \
+    template class cOPortT<T>;                                                                               \
+    template class cOPort<T>;                                                                                \
+    template class cImport<T>;                                                                               \
     template class cExport<T>;
 TARNFLOW_VALUE_TYPES(TARNFLOW_INSTANTIATE)

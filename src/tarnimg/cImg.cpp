@@ -1,7 +1,7 @@
 #include <tarnimg/cImg.h>
 
-#include "cImgBufPool.h"
 #include "cImgArea.h"
+#include "cImgBufPool.h"
 
 #include <tarnbase/c2DPoint.h>
 #include <tarnbase/cTracer.h>
@@ -48,10 +48,10 @@ cImg::cImg(cImgType::ImageTypes i_type, unsigned i_width, unsigned i_height, uns
 {
 }
 
-cImg::cImg(cImgType::ImageTypes i_type, unsigned i_width, unsigned i_height, unsigned i_xPitch, unsigned i_yPitch,
-    unsigned char* i_buffer, const std::function<void(void*)>& i_deleter, unsigned i_numChannels)
-    : m_data(
-        new cImgData(i_type, i_width, i_height, i_xPitch, i_yPitch, i_buffer, i_deleter, i_numChannels))
+cImg::cImg(cImgType::ImageTypes i_type, unsigned i_width, unsigned i_height, unsigned i_xPitch,
+    unsigned i_yPitch, unsigned char* i_buffer, const std::function<void(void*)>& i_deleter,
+    unsigned i_numChannels)
+    : m_data(new cImgData(i_type, i_width, i_height, i_xPitch, i_yPitch, i_buffer, i_deleter, i_numChannels))
 {
 }
 
@@ -94,10 +94,7 @@ cImg cImg::cloneWithoutPixels() const
     return isVoid(m_data) ? cImg() : cImg(new cImgData(*m_data, cImgData::NewPixels));
 }
 
-void cImg::detachShared()
-{
-    deref(std::exchange(m_data, new cImgData(*m_data, cImgData::CopiedPixels)));
-}
+void cImg::detachShared() { deref(std::exchange(m_data, new cImgData(*m_data, cImgData::CopiedPixels))); }
 
 void cImg::detachForWriting()
 {
@@ -179,8 +176,8 @@ void cImg::setBufferOffset(unsigned i_bytes)
     if (end <= getFrameSize())
         m_data->m_bufferOffset = i_bytes;
     else
-        cTracer::cerr << "The offset " << i_bytes << " would move pixels of " << getName() << " out of their buffer."
-                      << cTracer::end();
+        cTracer::cerr << "The offset " << i_bytes << " would move pixels of " << getName()
+                      << " out of their buffer." << cTracer::end();
 }
 
 void cImg::setTransform(const cTransform* i_transform)
@@ -252,7 +249,8 @@ void cImg::copyFrom(const cImg& i_source, const c2DPoint<int>& i_destPoint)
 
 void cImg::copyFrom(const cImg& i_source, const cRect<int>& i_sourceRect, const c2DPoint<int>& i_destPoint)
 {
-    copyArea(i_source, cImgArea::within(i_sourceRect, i_source.getWidth(), i_source.getHeight()), i_destPoint);
+    copyArea(
+        i_source, cImgArea::within(i_sourceRect, i_source.getWidth(), i_source.getHeight()), i_destPoint);
 }
 
 void cImg::copyArea(const cImg& i_source, const cImgArea& i_area, const c2DPoint<int>& i_destPoint)

@@ -27,8 +27,11 @@ std::size_t alignmentFor(unsigned i_pixelSize)
 } // namespace
 
 cImgBuf::cImgBuf(unsigned i_width, unsigned i_height, unsigned i_pixelSize)
-    : m_width(i_width), m_height(i_height), m_xPitch(std::max(i_pixelSize, 1u)),
-      m_yPitch(checked32(quint64(m_xPitch) * i_width)), m_recyclable(true)
+    : m_width(i_width),
+      m_height(i_height),
+      m_xPitch(std::max(i_pixelSize, 1u)),
+      m_yPitch(checked32(quint64(m_xPitch) * i_width)),
+      m_recyclable(true)
 {
     const unsigned bytes = checked32(quint64(m_yPitch) * i_height);
     if (bytes == 0)
@@ -40,10 +43,15 @@ cImgBuf::cImgBuf(unsigned i_width, unsigned i_height, unsigned i_pixelSize)
     m_deleter = std::free;
 }
 
-cImgBuf::cImgBuf(unsigned i_width, unsigned i_height, unsigned i_xPitch, unsigned i_yPitch, unsigned char* i_data,
-    const std::function<void(void*)>& i_deleter)
-    : m_width(i_width), m_height(i_height), m_data(i_data), m_deleter(i_deleter), m_xPitch(std::max(i_xPitch, 1u)),
-      m_yPitch(std::max(i_yPitch, checked32(quint64(m_xPitch) * i_width))), m_recyclable(false)
+cImgBuf::cImgBuf(unsigned i_width, unsigned i_height, unsigned i_xPitch, unsigned i_yPitch,
+    unsigned char* i_data, const std::function<void(void*)>& i_deleter)
+    : m_width(i_width),
+      m_height(i_height),
+      m_data(i_data),
+      m_deleter(i_deleter),
+      m_xPitch(std::max(i_xPitch, 1u)),
+      m_yPitch(std::max(i_yPitch, checked32(quint64(m_xPitch) * i_width))),
+      m_recyclable(false)
 {
     checked32(quint64(m_yPitch) * i_height);
     if (m_deleter)

@@ -48,7 +48,8 @@ cImgBuf* cImgBufPool::takeParked(unsigned i_width, unsigned i_height, unsigned i
 bool cImgBufPool::isWorthParking(const cImgBuf& i_buf) const
 {
     // Empty buffers would not count towards the limit.
-    return i_buf.m_recyclable && i_buf.m_ownedData && i_buf.byteSize() != 0 && m_parkedBytes < s_limit && !m_closed;
+    return i_buf.m_recyclable && i_buf.m_ownedData && i_buf.byteSize() != 0 && m_parkedBytes < s_limit
+        && !m_closed;
 }
 
 void cImgBufPool::release(cImgBuf* i_buf)

@@ -9,8 +9,9 @@ class cImgBuf;
 /**
  * The pixel memory that waits for the next image of its shape; one pool for the process.
  *
- * A graph allocates the same few frame sizes over and over. Parked buffers are found by their byte size, width, height
- * and pitches. Once about 1e9 bytes are parked nothing more is, and nothing is thrown out either.
+ * A graph allocates the same few frame sizes over and over. Parked buffers are found by their byte size,
+ * width, height and pitches. Once about 1e9 bytes are parked nothing more is, and nothing is thrown out
+ * either.
  *
  * All members may be called from any thread. Nothing is allocated, copied or freed under the lock.
  */

@@ -1,7 +1,7 @@
 #include <tarnimg/cImgData.h>
 
-#include "cImgBufPool.h"
 #include "cImgArea.h"
+#include "cImgBufPool.h"
 
 #include <tarnbase/cTracer.h>
 #include <tarnimg/cImageTypeFactory.h>
@@ -29,7 +29,8 @@ void copyCompact(const cImgBuf& i_from, unsigned i_offset, cImgBuf& o_to)
         for (unsigned y = 0; y < o_to.m_height; ++y)
             for (unsigned x = 0; x < o_to.m_width; ++x)
                 std::memcpy(to + y * rowBytes + std::size_t(x) * o_to.m_xPitch,
-                    from + std::size_t(y) * i_from.m_yPitch + std::size_t(x) * i_from.m_xPitch, o_to.m_xPitch);
+                    from + std::size_t(y) * i_from.m_yPitch + std::size_t(x) * i_from.m_xPitch,
+                    o_to.m_xPitch);
     } else if (i_from.byteSize() == o_to.byteSize()) {
         std::memcpy(to, from, o_to.byteSize());
     } else {
@@ -43,7 +44,7 @@ void copyCompact(const cImgBuf& i_from, unsigned i_offset, cImgBuf& o_to)
 cImgData* cImgData::voidRecord()
 {
     // Never destroyed: images with static storage point here until the very end of the process.
-    static auto* s_void = new cImgData(VoidTag{});
+    static auto* s_void = new cImgData(VoidTag {});
     return s_void;
 }
 
@@ -65,7 +66,8 @@ try : m_width(i_width), m_height(i_height) {
 }
 
 cImgData::cImgData(cImgType::ImageTypes i_type, unsigned i_width, unsigned i_height, unsigned i_xPitch,
-    unsigned i_yPitch, unsigned char* i_data, const std::function<void(void*)>& i_deleter, unsigned i_numChannels)
+    unsigned i_yPitch, unsigned char* i_data, const std::function<void(void*)>& i_deleter,
+    unsigned i_numChannels)
 try : m_width(i_width), m_height(i_height) {
     setType(cImageTypeFactory::create(i_type, i_numChannels));
     if (!i_data)
@@ -81,8 +83,9 @@ try : m_width(i_width), m_height(i_height) {
 
 cImgData::cImgData(const cImgData& i_other, EPixels i_pixels, const cRect<int>& i_rect)
 try : m_type(i_other.m_type), m_typeOwner(i_other.m_typeOwner), m_attributes(i_other.m_attributes),
-      m_width(i_other.m_width), m_height(i_other.m_height), m_name(i_other.m_name), m_numFrames(i_other.m_numFrames),
-      m_frameIndex(i_other.m_frameIndex), m_bufferOffset(i_other.m_bufferOffset), m_notCompact(i_other.m_notCompact) {
+    m_width(i_other.m_width), m_height(i_other.m_height), m_name(i_other.m_name),
+    m_numFrames(i_other.m_numFrames), m_frameIndex(i_other.m_frameIndex),
+    m_bufferOffset(i_other.m_bufferOffset), m_notCompact(i_other.m_notCompact) {
     if (i_other.m_transform)
         m_transform.reset(i_other.m_transform->clone());
     cImgBuf* buf = i_other.m_buf;
@@ -155,7 +158,8 @@ void cImgData::copyPixels(const cImgData& i_source, const cImgArea& i_from, cons
     const qint64 blocks = gaps ? columns : 1;
     const std::size_t blockBytes
         = gaps ? std::min(pixelBytes, sourcePixelBytes) : pixelBytes * std::size_t(columns);
-    const bool backwards = std::less<const unsigned char*>()(from, to); // both may be views of the same pixels
+    const bool backwards
+        = std::less<const unsigned char*>()(from, to); // both may be views of the same pixels
 
     for (qint64 i = 0; i < rows; ++i) {
         const qint64 y = backwards ? rows - 1 - i : i;

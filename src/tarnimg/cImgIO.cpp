@@ -15,7 +15,7 @@ QSharedPointer<cImgIO> findHandler(const QString& i_path, cImgIO::EFileIOFlag i_
     for (const cImgIO* handler : qAsConst(cImgIO::getImgIOSet())) {
         if (!handler->getFlags().testFlag(i_flag) || !handler->getFilter().contains(extension))
             continue;
-        if (const QSharedPointer<cImgIO> clone{handler->clone()})
+        if (const QSharedPointer<cImgIO> clone {handler->clone()})
             return clone;
     }
     return {};
@@ -34,7 +34,9 @@ QString allKnownFiles(const QList<const cImgIO*>& i_handlers, const QStringList&
 } // namespace
 
 cImgIO::cImgIO(const QString& i_name, const QString& i_filter, QFlags<EFileIOFlag> i_flags)
-    : m_name(i_name), m_filter(i_filter), m_flags(i_flags)
+    : m_name(i_name),
+      m_filter(i_filter),
+      m_flags(i_flags)
 {
 }
 
@@ -48,7 +50,8 @@ bool cImgIO::writeImg(const QString& i_path, const cImg& i_image, const cObj*)
 {
     bool ok = i_image.isValid();
     cImg image = i_image;
-    if (!image.isKindOf(cImgType::RGB32) && !image.isKindOf(cImgType::RGB24) && !image.isKindOf(cImgType::UInt8)) {
+    if (!image.isKindOf(cImgType::RGB32) && !image.isKindOf(cImgType::RGB24)
+        && !image.isKindOf(cImgType::UInt8)) {
         cTracer::cout << "Unsupported image type(" << image.getImgType().getName()
                       << "). File is converted to 8 bit." << cTracer::end();
         cImg narrowed;

@@ -36,8 +36,7 @@ QString channelStyle(unsigned i_channel) { return QStringLiteral("Channel %1").a
 
 void limitTo(cMapObj& o_params, const char* i_path, double i_max)
 {
-    o_params[QString::fromLatin1(i_path)]->setMetaData(
-        QStringLiteral("max"), new cDataValObj<double>(i_max));
+    o_params[QString::fromLatin1(i_path)]->setMetaData(QStringLiteral("max"), new cDataValObj<double>(i_max));
 }
 
 } // namespace
@@ -45,7 +44,10 @@ void limitTo(cMapObj& o_params, const char* i_path, double i_max)
 cImgType::cImgType() = default;
 
 cImgType::cImgType(unsigned i_elementSize, ImageTypes i_type, const cDblRange& i_maxRange)
-    : m_elementSize(i_elementSize), m_maxRange(i_maxRange), m_range(i_maxRange), m_typeId(i_type),
+    : m_elementSize(i_elementSize),
+      m_maxRange(i_maxRange),
+      m_range(i_maxRange),
+      m_typeId(i_type),
       m_name(nameOf(i_type))
 {
 }

@@ -13,8 +13,8 @@ cImgTypeComplex::cImgTypeComplex() : cImgType(sizeof(cFltComplex), Complex, cDbl
 
 void cImgTypeComplex::setNumChannels(unsigned)
 {
-    static const QStringList s_styles{QStringLiteral("Default"), QStringLiteral("Imaginary"), QStringLiteral("Real"),
-        QStringLiteral("Magnitude"), QStringLiteral("Phase")};
+    static const QStringList s_styles {QStringLiteral("Default"), QStringLiteral("Imaginary"),
+        QStringLiteral("Real"), QStringLiteral("Magnitude"), QStringLiteral("Phase")};
     setFixedChannels(2, s_styles);
 }
 
@@ -27,7 +27,8 @@ QString cImgTypeComplex::pixelToString(const unsigned char* i_pixel, bool) const
     cFltComplex value;
     std::memcpy(&value, i_pixel, sizeof(value));
     return QStringLiteral("Re:%1 Im:%2")
-        .arg(QString::number(double(value.getReal()), 'f', 3), QString::number(double(value.getImaginary()), 'f', 3));
+        .arg(QString::number(double(value.getReal()), 'f', 3),
+            QString::number(double(value.getImaginary()), 'f', 3));
 }
 
 QSize cImgTypeComplex::getPixelStringSize(const QFont& i_font, bool) const

@@ -12,23 +12,19 @@
 #include <cstring>
 
 template <class T>
-cImgTypeGradient<T>::cImgTypeGradient(ImageTypes i_type) : cImgType(sizeof(T), i_type, cDblRange(-32768.0, 32767.0))
+cImgTypeGradient<T>::cImgTypeGradient(ImageTypes i_type)
+    : cImgType(sizeof(T), i_type, cDblRange(-32768.0, 32767.0))
 {
 }
 
-template <class T>
-void cImgTypeGradient<T>::setNumChannels(unsigned)
+template <class T> void cImgTypeGradient<T>::setNumChannels(unsigned)
 {
-    static const QStringList s_styles{QStringLiteral("Dx"), QStringLiteral("Dy"), QStringLiteral("Absolute"),
+    static const QStringList s_styles {QStringLiteral("Dx"), QStringLiteral("Dy"), QStringLiteral("Absolute"),
         QStringLiteral("AbsoluteAndDirection"), QStringLiteral("ProjectionOfDirection")};
     setFixedChannels(2, s_styles);
 }
 
-template <class T>
-unsigned cImgTypeGradient<T>::getPixelSize() const
-{
-    return sizeof(T);
-}
+template <class T> unsigned cImgTypeGradient<T>::getPixelSize() const { return sizeof(T); }
 
 template <class T>
 QString cImgTypeGradient<T>::pixelToString(const unsigned char* i_pixel, bool i_hexadecimal) const
@@ -48,8 +44,7 @@ QSize cImgTypeGradient<T>::getPixelStringSize(const QFont& i_font, bool i_hexade
     return {line.width() + 5, line.height() * 2};
 }
 
-template <class T>
-cMapObj cImgTypeGradient<T>::getParams() const
+template <class T> cMapObj cImgTypeGradient<T>::getParams() const
 {
     cMapObj params = cImgType::getParams();
     params.remove(QStringLiteral("AutoRange"));
@@ -59,8 +54,7 @@ cMapObj cImgTypeGradient<T>::getParams() const
     return params;
 }
 
-template <class T>
-void cImgTypeGradient<T>::setParams(const cMapObj& i_params)
+template <class T> void cImgTypeGradient<T>::setParams(const cMapObj& i_params)
 {
     cImgType::setParams(i_params);
     typeParams::read(i_params, "factor", m_factor);
@@ -68,8 +62,7 @@ void cImgTypeGradient<T>::setParams(const cMapObj& i_params)
     typeParams::read(i_params, "angle", m_angle);
 }
 
-template <class T>
-void cImgTypeGradient<T>::fill(cImg& io_image, const QVariant& i_value) const
+template <class T> void cImgTypeGradient<T>::fill(cImg& io_image, const QVariant& i_value) const
 {
     if (i_value.userType() == qMetaTypeId<T>() && io_image.isKindOf(getTypeId()))
         fillPixels(io_image, i_value.value<T>());

@@ -5,7 +5,8 @@
 #include <QColor>
 #include <QFontMetrics>
 
-cImgTypeRGB::cImgTypeRGB(unsigned i_channels, ImageTypes i_type) : cImgType(i_channels, i_type, cDblRange(0.0, 255.0))
+cImgTypeRGB::cImgTypeRGB(unsigned i_channels, ImageTypes i_type)
+    : cImgType(i_channels, i_type, cDblRange(0.0, 255.0))
 {
 }
 
@@ -15,9 +16,11 @@ unsigned cImgTypeRGB::getChannelPixelSize() const { return 1; }
 
 QString cImgTypeRGB::pixelToString(const unsigned char* i_pixel, bool i_hexadecimal) const
 {
-    const auto text = [i_hexadecimal](int i_value) { return QString::number(i_value, i_hexadecimal ? 16 : 10); };
+    const auto text
+        = [i_hexadecimal](int i_value) { return QString::number(i_value, i_hexadecimal ? 16 : 10); };
     const QString& style = getStyle();
-    if (style == QLatin1String("Hue") || style == QLatin1String("Value") || style == QLatin1String("Saturation")) {
+    if (style == QLatin1String("Hue") || style == QLatin1String("Value")
+        || style == QLatin1String("Saturation")) {
         const QColor colour(i_pixel[0], i_pixel[1], i_pixel[2]);
         return QStringLiteral("h:%1 s:%2 v:%3")
             .arg(text(colour.hue()), text(colour.saturation()), text(colour.value()));

@@ -33,8 +33,9 @@ void cImgTypeRGB32::fill(cImg& io_image, const QVariant& i_value) const
     }
     auto* to = io_image.getData();
     const Ipp8u bytes[] = {value.getRed(), value.getGreen(), value.getBlue(), value.getAlpha()};
-    const IppiSize size{int(io_image.getWidth()), int(io_image.getHeight())};
-    if (io_image.getXPitch() != 4 || ippiSet_8u_C4R(bytes, to, int(io_image.getYPitch()), size) != ippStsNoErr)
+    const IppiSize size {int(io_image.getWidth()), int(io_image.getHeight())};
+    if (io_image.getXPitch() != 4
+        || ippiSet_8u_C4R(bytes, to, int(io_image.getYPitch()), size) != ippStsNoErr)
         fillPixels(io_image, value);
 }
 

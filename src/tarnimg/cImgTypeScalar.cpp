@@ -13,8 +13,7 @@ namespace {
 
 QString toText(double i_value) { return QString::number(i_value, 'f', 5); }
 
-template <class T>
-QString toText(T i_value, bool i_hexadecimal)
+template <class T> QString toText(T i_value, bool i_hexadecimal)
 {
     if constexpr (std::is_floating_point_v<T>)
         return toText(double(i_value));
@@ -23,8 +22,7 @@ QString toText(T i_value, bool i_hexadecimal)
 }
 
 /** A value with a long text. */
-template <class T>
-constexpr T sample()
+template <class T> constexpr T sample()
 {
     if constexpr (std::is_floating_point_v<T>)
         return -32768;
@@ -69,12 +67,11 @@ IppStatus set(quint32 i_value, quint32* o_to, int i_step, IppiSize i_size)
 }
 
 /** Whether the pixel layer has filled an image of one channel. */
-template <class T>
-bool fillFast(cImg& io_image, T i_value)
+template <class T> bool fillFast(cImg& io_image, T i_value)
 {
-    if constexpr (requires(T* to) { set(i_value, to, 0, IppiSize()); }) {
+    if constexpr (requires(T * to) { set(i_value, to, 0, IppiSize()); }) {
         auto* to = reinterpret_cast<T*>(io_image.getData());
-        const IppiSize size{int(io_image.getWidth()), int(io_image.getHeight())};
+        const IppiSize size {int(io_image.getWidth()), int(io_image.getHeight())};
         return io_image.getXPitch() == sizeof(T)
             && set(i_value, to, int(io_image.getYPitch()), size) == ippStsNoErr;
     } else {
@@ -98,14 +95,12 @@ QString cImgTypeScalar<T>::pixelToString(const unsigned char* i_pixel, bool i_he
     return toText(value, i_hexadecimal);
 }
 
-template <class T>
-QSize cImgTypeScalar<T>::getPixelStringSize(const QFont& i_font, bool i_hexadecimal) const
+template <class T> QSize cImgTypeScalar<T>::getPixelStringSize(const QFont& i_font, bool i_hexadecimal) const
 {
     return QFontMetrics(i_font).boundingRect(toText(sample<T>(), i_hexadecimal)).size();
 }
 
-template <class T>
-void cImgTypeScalar<T>::fill(cImg& io_image, const QVariant& i_value) const
+template <class T> void cImgTypeScalar<T>::fill(cImg& io_image, const QVariant& i_value) const
 {
     QVariant converted = i_value;
     if (!converted.convert(qMetaTypeId<T>()) || !io_image.isKindOf(getTypeId()))

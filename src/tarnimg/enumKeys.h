@@ -4,8 +4,7 @@
 #include <QStringList>
 
 /** The keys of an enumeration in the order of their declaration. */
-template <class E>
-QStringList enumKeys()
+template <class E> QStringList enumKeys()
 {
     const auto keys = QMetaEnum::fromType<E>();
     QStringList list;

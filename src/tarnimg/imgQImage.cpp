@@ -13,7 +13,8 @@
 
 namespace {
 
-/** The bytes of a QImage of 32 bits are blue, green, red, alpha; those of an image red, green, blue, alpha. */
+/** The bytes of a QImage of 32 bits are blue, green, red, alpha; those of an image red, green, blue, alpha.
+ */
 void swapRedAndBlue(unsigned char* io_pixels, unsigned i_step, int i_width, int i_height)
 {
     static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN);

@@ -36,8 +36,8 @@ struct Header {
 QDataStream& operator<<(QDataStream& io_stream, const Header& i_header)
 {
     return io_stream << i_header.type << i_header.channels << i_header.name << i_header.frameIndex
-                     << i_header.numFrames << i_header.width << i_header.height << i_header.low << i_header.high
-                     << i_header.attributes;
+                     << i_header.numFrames << i_header.width << i_header.height << i_header.low
+                     << i_header.high << i_header.attributes;
 }
 
 QDataStream& operator>>(QDataStream& io_stream, Header& o_header)

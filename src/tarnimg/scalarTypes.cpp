@@ -16,8 +16,7 @@
 
 namespace {
 
-template <class T>
-cDblRange allValues()
+template <class T> cDblRange allValues()
 {
     return {double(std::numeric_limits<T>::lowest()), double(std::numeric_limits<T>::max())};
 }

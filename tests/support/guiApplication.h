@@ -3,7 +3,8 @@
 #include <QByteArray>
 #include <QGuiApplication>
 
-/** What the font library keeps until the end is not ours; the leak checker asks for such places by this name. */
+/** What the font library keeps until the end is not ours; the leak checker asks for such places by this name.
+ */
 extern "C" inline __attribute__((visibility("default"), used)) const char* __lsan_default_suppressions()
 {
     return "leak:libfontconfig\n";

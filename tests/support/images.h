@@ -22,7 +22,8 @@ cImg generateImage(cImgType::ImageTypes i_type, unsigned i_width, unsigned i_hei
     return image;
 }
 
-/** An image from its rows; `T` is a whole pixel, or with several channels one channel: `{{r, g, b, r, g, b}, ...}`. */
+/** An image from its rows; `T` is a whole pixel, or with several channels one channel: `{{r, g, b, r, g, b},
+ * ...}`. */
 template <class T>
 cImg makeImage(cImgType::ImageTypes i_type, std::initializer_list<std::initializer_list<T>> i_rows,
     unsigned i_channels = 1)
@@ -37,8 +38,8 @@ cImg makeImage(cImgType::ImageTypes i_type, std::initializer_list<std::initializ
 }
 
 /** An image of random bytes; the same for the same seed. Floats are numbers from -1000 to 1000. */
-inline cImg makeRandomImage(
-    cImgType::ImageTypes i_type, unsigned i_width, unsigned i_height, unsigned i_channels = 1, unsigned i_seed = 1)
+inline cImg makeRandomImage(cImgType::ImageTypes i_type, unsigned i_width, unsigned i_height,
+    unsigned i_channels = 1, unsigned i_seed = 1)
 {
     std::mt19937 random(i_seed);
     std::uniform_real_distribution<double> number(-1000.0, 1000.0);
@@ -61,8 +62,7 @@ inline cImg makeRandomImage(
 
 namespace imageSupport {
 
-template <class T>
-std::string channelsText(const unsigned char* i_pixel, unsigned i_size)
+template <class T> std::string channelsText(const unsigned char* i_pixel, unsigned i_size)
 {
     std::string text;
     for (unsigned i = 0; i < i_size; i += unsigned(sizeof(T))) {
@@ -102,8 +102,7 @@ inline std::string pixelText(const cImgType& i_type, const unsigned char* i_pixe
     }
 }
 
-template <class T>
-bool sameChannels(const unsigned char* i_a, const unsigned char* i_b, unsigned i_size)
+template <class T> bool sameChannels(const unsigned char* i_a, const unsigned char* i_b, unsigned i_size)
 {
     for (unsigned i = 0; i < i_size; i += unsigned(sizeof(T))) {
         T a, b;
@@ -139,8 +138,8 @@ inline std::string structureText(const cImg& i_image)
 } // namespace imageSupport
 
 /**
- * Whether two images have the same type, channels, size and pixels; pitches do not count, and two invalid images are
- * the same. Reports place and values of the first five differences.
+ * Whether two images have the same type, channels, size and pixels; pitches do not count, and two invalid
+ * images are the same. Reports place and values of the first five differences.
  */
 inline ::testing::AssertionResult samePixels(const cImg& i_actual, const cImg& i_expected)
 {
@@ -148,8 +147,8 @@ inline ::testing::AssertionResult samePixels(const cImg& i_actual, const cImg& i
     if (!i_actual.isValid() && !i_expected.isValid())
         return ::testing::AssertionSuccess();
     if (!i_actual.isValid() || !i_expected.isValid() || structureText(i_actual) != structureText(i_expected))
-        return ::testing::AssertionFailure() << "image is " << structureText(i_actual) << ", should be "
-                                             << structureText(i_expected);
+        return ::testing::AssertionFailure()
+            << "image is " << structureText(i_actual) << ", should be " << structureText(i_expected);
     const cImgType& type = i_expected.getImgType();
     std::string differences;
     std::size_t count = 0;

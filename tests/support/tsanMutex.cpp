@@ -1,5 +1,6 @@
-// Qt 5's QMutex does not tell the thread sanitizer what it does, so that what it guards would look like races. In programs
-// built with that sanitizer these members take the place of the library's, and forward to them.
+// Qt 5's QMutex does not tell the thread sanitizer what it does, so that what it guards would look like
+// races. In programs built with that sanitizer these members take the place of the library's, and forward to
+// them.
 #include <QMutex>
 #include <dlfcn.h>
 #include <sanitizer/tsan_interface.h>

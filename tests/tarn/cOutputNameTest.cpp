@@ -5,7 +5,8 @@
 
 namespace {
 
-QString make(const char* i_pattern, const cOutputName::Frame& i_frame = {QStringLiteral("in"), 7, 42, QStringLiteral("img")})
+QString make(const char* i_pattern,
+    const cOutputName::Frame& i_frame = {QStringLiteral("in"), 7, 42, QStringLiteral("img")})
 {
     cOutputName name;
     const QString error = name.set(QString::fromLatin1(i_pattern));
@@ -24,17 +25,21 @@ TEST(cOutputName, PutsTheFrameIntoThePattern)
 
 TEST(cOutputName, AStemNeverChoosesTheFolder)
 {
-    EXPECT_EQ(make("out/{stem}.png", {QStringLiteral("../../etc/x"), 0, 0, {}}), QStringLiteral("out/.._.._etc_x.png"));
+    EXPECT_EQ(make("out/{stem}.png", {QStringLiteral("../../etc/x"), 0, 0, {}}),
+        QStringLiteral("out/.._.._etc_x.png"));
 }
 
 TEST(cOutputName, RefusesWhatItDoesNotKnow)
 {
-    EXPECT_EQ(make("{stm}.png"), QStringLiteral("unknown placeholder, expected {stem}, {index}, {stamp} or {port}, found "
-                                                "{stm} (did you mean {stem}?)"));
-    EXPECT_EQ(make("{}.png"), QStringLiteral("unknown placeholder, expected {stem}, {index}, {stamp} or {port}, found {}"));
+    EXPECT_EQ(make("{stm}.png"),
+        QStringLiteral("unknown placeholder, expected {stem}, {index}, {stamp} or {port}, found "
+                       "{stm} (did you mean {stem}?)"));
+    EXPECT_EQ(make("{}.png"),
+        QStringLiteral("unknown placeholder, expected {stem}, {index}, {stamp} or {port}, found {}"));
     EXPECT_EQ(make("{stem.png"),
         QStringLiteral("a brace stands alone in '{stem.png', expected {stem}, {index}, {stamp} or {port}"));
-    EXPECT_EQ(make("a}b"), QStringLiteral("a brace stands alone in 'a}b', expected {stem}, {index}, {stamp} or {port}"));
+    EXPECT_EQ(make("a}b"),
+        QStringLiteral("a brace stands alone in 'a}b', expected {stem}, {index}, {stamp} or {port}"));
 }
 
 TEST(cOutputName, KnowsWhetherFramesShareAName)

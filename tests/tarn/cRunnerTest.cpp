@@ -86,15 +86,20 @@ protected:
         guiApplication();
         host::registerFileFormats();
         host::registerStations();
-        cStation::registercStation(QStringLiteral("test/die"), []() -> cStation* { return new cDyingStation; });
-        cStation::registercStation(QStringLiteral("test/hoard"), []() -> cStation* { return new cHoardingStation; });
-        cStation::registercStation(QStringLiteral("test/look"), []() -> cStation* { return new cLookingStation; });
+        cStation::registercStation(
+            QStringLiteral("test/die"), []() -> cStation* { return new cDyingStation; });
+        cStation::registercStation(
+            QStringLiteral("test/hoard"), []() -> cStation* { return new cHoardingStation; });
+        cStation::registercStation(
+            QStringLiteral("test/look"), []() -> cStation* { return new cLookingStation; });
         for (const char* name : {"f1.png", "f2.png", "f10.png"})
-            host::writeImage(m_folder.filePath(QString::fromLatin1(name)), makeRandomImage(cImgType::UInt8, 4, 3));
+            host::writeImage(
+                m_folder.filePath(QString::fromLatin1(name)), makeRandomImage(cImgType::UInt8, 4, 3));
     }
 
     /** "@" stands for the folder of the pictures. */
-    EExit run(const char* i_text, const std::function<int()>& i_interrupts = [] { return 0; })
+    EExit run(
+        const char* i_text, const std::function<int()>& i_interrupts = [] { return 0; })
     {
         const QString text = QString::fromUtf8(i_text).replace(u'@', m_folder.path());
         cGraph graph;
@@ -105,7 +110,8 @@ protected:
         const EExit exit = cRunner(graph, {}, console).run(i_interrupts);
         m_errors.resize(int(std::ftell(file)));
         std::rewind(file);
-        EXPECT_EQ(std::fread(m_errors.data(), 1, std::size_t(m_errors.size()), file), std::size_t(m_errors.size()));
+        EXPECT_EQ(
+            std::fread(m_errors.data(), 1, std::size_t(m_errors.size()), file), std::size_t(m_errors.size()));
         std::fclose(file);
         return exit;
     }
@@ -141,8 +147,9 @@ TEST_F(cRunnerTest, FramesComeInNaturalOrderWithNameNumberAndSource)
     cLookingStation::s_seen.clear();
     EXPECT_EQ(run("files @ repeat=2 limit=5 ! look"), EExit::Good);
     EXPECT_EQ(cLookingStation::s_seen,
-        (QStringList{QStringLiteral("0 f1 0/5 f1.png"), QStringLiteral("1 f2 1/5 f2.png"), QStringLiteral("2 f10 2/5 f10.png"),
-            QStringLiteral("3 f1 3/5 f1.png"), QStringLiteral("4 f2 4/5 f2.png")}));
+        (QStringList {QStringLiteral("0 f1 0/5 f1.png"), QStringLiteral("1 f2 1/5 f2.png"),
+            QStringLiteral("2 f10 2/5 f10.png"), QStringLiteral("3 f1 3/5 f1.png"),
+            QStringLiteral("4 f2 4/5 f2.png")}));
 }
 
 TEST_F(cRunnerTest, ASourceThatNobodyListensToReadsNothingAndEnds)
@@ -156,7 +163,8 @@ TEST_F(cRunnerTest, OneFileThatIsRepeatedIsReadOnce)
     cLookingStation::s_seen.clear();
     EXPECT_EQ(run("files @/f2.png repeat=3 ! look"), EExit::Good);
     EXPECT_EQ(cLookingStation::s_seen,
-        (QStringList{QStringLiteral("0 f2 0/3 f2.png"), QStringLiteral("1 f2 1/3 f2.png"), QStringLiteral("2 f2 2/3 f2.png")}));
+        (QStringList {QStringLiteral("0 f2 0/3 f2.png"), QStringLiteral("1 f2 1/3 f2.png"),
+            QStringLiteral("2 f2 2/3 f2.png")}));
 }
 
 TEST(nameGivingFile, IsThatOfTheSourceWithTheMostFiles)
@@ -169,14 +177,16 @@ TEST(nameGivingFile, IsThatOfTheSourceWithTheMostFiles)
         host::writeImage(folder.filePath(QString::fromLatin1(name)), makeRandomImage(cImgType::UInt8, 2, 2));
     cFilesStation dark, a, b;
     const auto set = [&](cFilesStation& io_station, const char* i_path, const char* i_repeat) {
-        EXPECT_TRUE(io_station.getParams()[QStringLiteral("path")]->setFromText(folder.filePath(QString::fromLatin1(i_path))));
-        EXPECT_TRUE(io_station.getParams()[QStringLiteral("repeat")]->setFromText(QString::fromLatin1(i_repeat)));
+        EXPECT_TRUE(io_station.getParams()[QStringLiteral("path")]->setFromText(
+            folder.filePath(QString::fromLatin1(i_path))));
+        EXPECT_TRUE(
+            io_station.getParams()[QStringLiteral("repeat")]->setFromText(QString::fromLatin1(i_repeat)));
         EXPECT_TRUE(io_station.checkParams().isEmpty());
     };
     set(dark, "dark.png", "3");
     set(a, "a", "1");
     set(b, "b", "1");
-    const QList<cFrameSource*> sources{&dark, &a, &b};
+    const QList<cFrameSource*> sources {&dark, &a, &b};
     EXPECT_EQ(host::nameGivingFile(sources, 1), folder.filePath(QStringLiteral("a/2.png")));
     EXPECT_EQ(host::nameGivingFile(sources, 2), folder.filePath(QStringLiteral("dark.png")));
     EXPECT_EQ(host::nameGivingFile(sources, 3), QString());

@@ -40,14 +40,20 @@ protected:
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(i_bytes);
     }
-    void writeFrames(const QString& i_folder, int i_count, cImgType::ImageTypes i_type = cImgType::UInt8) const
+    void writeFrames(
+        const QString& i_folder, int i_count, cImgType::ImageTypes i_type = cImgType::UInt8) const
     {
         for (int i = 0; i < i_count; ++i)
-            host::writeImage(path(QStringLiteral("%1/f%2.png").arg(i_folder).arg(i)), makeRandomImage(i_type, 12, 8, 1, unsigned(i)));
+            host::writeImage(path(QStringLiteral("%1/f%2.png").arg(i_folder).arg(i)),
+                makeRandomImage(i_type, 12, 8, 1, unsigned(i)));
     }
-    QStringList filesIn(const QString& i_folder) const { return QDir(path(i_folder)).entryList(QDir::Files, QDir::Name); }
+    QStringList filesIn(const QString& i_folder) const
+    {
+        return QDir(path(i_folder)).entryList(QDir::Files, QDir::Name);
+    }
 
-    /** Starts the program in the test's folder. The libraries' notes on loading are no part of what is tested here. */
+    /** Starts the program in the test's folder. The libraries' notes on loading are no part of what is tested
+     * here. */
     void start(QProcess& io_process, const QStringList& i_words) const
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -82,7 +88,8 @@ protected:
     Result tarn(const char* i_words) const { return tarn(QString::fromUtf8(i_words).split(u' ')); }
     Result run(const char* i_graph, const QStringList& i_options = {}) const
     {
-        return tarn(QStringList{QStringLiteral("run"), QStringLiteral("-e"), QString::fromUtf8(i_graph)} + i_options);
+        return tarn(QStringList {QStringLiteral("run"), QStringLiteral("-e"), QString::fromUtf8(i_graph)}
+            + i_options);
     }
 
     QTemporaryDir m_folder;
@@ -91,7 +98,8 @@ protected:
 /** The summary's time and rate differ from run to run. */
 QString withoutTimes(QString i_text)
 {
-    return i_text.replace(QRegularExpression(QStringLiteral(" in [0-9.]+ s \\([0-9.]+/s\\)")), QStringLiteral(" in T"));
+    return i_text.replace(
+        QRegularExpression(QStringLiteral(" in [0-9.]+ s \\([0-9.]+/s\\)")), QStringLiteral(" in T"));
 }
 
 // ---- run ----
@@ -103,7 +111,8 @@ TEST_F(command, RunsAGraphInOneLine)
     EXPECT_EQ(result.exit, 0);
     EXPECT_EQ(result.output, QString());
     EXPECT_EQ(withoutTimes(result.errors), QStringLiteral("3 of 3 frames in T, 3 files written, 0 failed\n"));
-    EXPECT_EQ(filesIn(QStringLiteral("out")), (QStringList{QStringLiteral("f0.tif"), QStringLiteral("f1.tif"), QStringLiteral("f2.tif")}));
+    EXPECT_EQ(filesIn(QStringLiteral("out")),
+        (QStringList {QStringLiteral("f0.tif"), QStringLiteral("f1.tif"), QStringLiteral("f2.tif")}));
     for (int i = 0; i < 3; ++i)
         EXPECT_TRUE(samePixels(host::readImage(path(QStringLiteral("out/f%1.tif").arg(i))),
             host::readImage(path(QStringLiteral("in/f%1.png").arg(i)))));
@@ -112,39 +121,60 @@ TEST_F(command, RunsAGraphInOneLine)
 TEST_F(command, RunsAGraphFileWithVariables)
 {
     writeFrames(QStringLiteral("in"), 2);
-    write(QStringLiteral("g.tarn"), "# two ways\nfiles ${from} name=a\n  ! save ${to}/{index}.png\n\na. ! d.img1 a. ! d.img2\n"
-                                    "difference name=d\n! save ${to}/d{stem}.png # zero\n");
+    write(QStringLiteral("g.tarn"),
+        "# two ways\nfiles ${from} name=a\n  ! save ${to}/{index}.png\n\na. ! d.img1 a. ! d.img2\n"
+        "difference name=d\n! save ${to}/d{stem}.png # zero\n");
     const Result result = tarn("run g.tarn -D from=in -D to=out");
     EXPECT_EQ(result.exit, 0) << result.errors.toStdString();
     EXPECT_EQ(filesIn(QStringLiteral("out")),
-        (QStringList{QStringLiteral("0000.png"), QStringLiteral("0001.png"), QStringLiteral("df0.png"), QStringLiteral("df1.png")}));
+        (QStringList {QStringLiteral("0000.png"), QStringLiteral("0001.png"), QStringLiteral("df0.png"),
+            QStringLiteral("df1.png")}));
     const cImg zero = host::readImage(path(QStringLiteral("out/df1.png")));
-    EXPECT_TRUE(samePixels(zero, generateImage(cImgType::UInt8, 12, 8, [](unsigned, unsigned) { return quint8(0); })));
+    EXPECT_TRUE(samePixels(
+        zero, generateImage(cImgType::UInt8, 12, 8, [](unsigned, unsigned) { return quint8(0); })));
 }
 
 TEST_F(command, SixteenBitsGoThroughWithoutLoss)
 {
     writeFrames(QStringLiteral("in"), 1, cImgType::UInt16);
     EXPECT_EQ(run("files in ! save out/{stem}.png").exit, 0);
-    EXPECT_TRUE(samePixels(host::readImage(path(QStringLiteral("out/f0.png"))), makeRandomImage(cImgType::UInt16, 12, 8, 1, 0)));
+    EXPECT_TRUE(samePixels(
+        host::readImage(path(QStringLiteral("out/f0.png"))), makeRandomImage(cImgType::UInt16, 12, 8, 1, 0)));
 }
 
 TEST_F(command, SubtractsTheFirstInputFromTheSecond)
 {
-    host::writeImage(path(QStringLiteral("a.png")), makeImage<quint8>(cImgType::UInt8, {{10, 200}}));
-    host::writeImage(path(QStringLiteral("b.png")), makeImage<quint8>(cImgType::UInt8, {{30, 50}}));
+    host::writeImage(path(QStringLiteral("a.png")),
+        makeImage<quint8>(cImgType::UInt8,
+            {
+                {10, 200}
+    }));
+    host::writeImage(path(QStringLiteral("b.png")),
+        makeImage<quint8>(cImgType::UInt8,
+            {
+                {30, 50}
+    }));
     EXPECT_EQ(run("files a.png ! s.img1   files b.png ! s.img2   subtract name=s ! save c.png").exit, 0);
-    EXPECT_TRUE(samePixels(host::readImage(path(QStringLiteral("c.png"))), makeImage<quint8>(cImgType::UInt8, {{20, 0}})));
+    EXPECT_TRUE(samePixels(host::readImage(path(QStringLiteral("c.png"))),
+        makeImage<quint8>(cImgType::UInt8,
+            {
+                {20, 0}
+    })));
 }
 
 TEST_F(command, ReadsAListOfFilesFromStandardInput)
 {
     writeFrames(QStringLiteral("in"), 11);
-    const Result result = tarn({QStringLiteral("run"), QStringLiteral("-e"), QStringLiteral("files - ! save out/{stem}.png")},
-        "in/f10.png\nin/f2.png\n");
+    const Result result
+        = tarn({QStringLiteral("run"), QStringLiteral("-e"), QStringLiteral("files - ! save out/{stem}.png")},
+            "in/f10.png\nin/f2.png\n");
     EXPECT_EQ(result.exit, 0) << result.errors.toStdString();
-    EXPECT_EQ(filesIn(QStringLiteral("out")), (QStringList{QStringLiteral("f10.png"), QStringLiteral("f2.png")}));
-    EXPECT_EQ(tarn({QStringLiteral("run"), QStringLiteral("-e"), QStringLiteral("files - ! save out/{stem}.png")}).exit, 2);
+    EXPECT_EQ(
+        filesIn(QStringLiteral("out")), (QStringList {QStringLiteral("f10.png"), QStringLiteral("f2.png")}));
+    EXPECT_EQ(
+        tarn({QStringLiteral("run"), QStringLiteral("-e"), QStringLiteral("files - ! save out/{stem}.png")})
+            .exit,
+        2);
 }
 
 TEST_F(command, LimitsTheFramesOfEachSource)
@@ -154,7 +184,9 @@ TEST_F(command, LimitsTheFramesOfEachSource)
                   {QStringLiteral("--limit"), QStringLiteral("2")})
                   .exit,
         0);
-    EXPECT_EQ(filesIn(QString()), (QStringList{QStringLiteral("a0000.png"), QStringLiteral("a0001.png"), QStringLiteral("b0000.png"), QStringLiteral("b0001.png")}));
+    EXPECT_EQ(filesIn(QString()),
+        (QStringList {QStringLiteral("a0000.png"), QStringLiteral("a0001.png"), QStringLiteral("b0000.png"),
+            QStringLiteral("b0001.png")}));
 }
 
 TEST_F(command, OneBadFileDoesNotEndTheRunAndIsNamed)
@@ -163,11 +195,13 @@ TEST_F(command, OneBadFileDoesNotEndTheRunAndIsNamed)
     write(QStringLiteral("in/f1.png"), "this is no picture");
     const Result result = run("files in/*.png,in/missing.png ! save out/{stem}.png");
     EXPECT_EQ(result.exit, 1);
-    EXPECT_EQ(withoutTimes(result.errors), QStringLiteral("failed:\n"
-                                                          "  files1: in/f1.png: PNG: Not a PNG file\n"
-                                                          "  files1: in/missing.png: No such file or directory\n"
-                                                          "5 of 5 frames in T, 3 files written, 2 failed\n"));
-    EXPECT_EQ(filesIn(QStringLiteral("out")), (QStringList{QStringLiteral("f0.png"), QStringLiteral("f2.png"), QStringLiteral("f3.png")}));
+    EXPECT_EQ(withoutTimes(result.errors),
+        QStringLiteral("failed:\n"
+                       "  files1: in/f1.png: PNG: Not a PNG file\n"
+                       "  files1: in/missing.png: No such file or directory\n"
+                       "5 of 5 frames in T, 3 files written, 2 failed\n"));
+    EXPECT_EQ(filesIn(QStringLiteral("out")),
+        (QStringList {QStringLiteral("f0.png"), QStringLiteral("f2.png"), QStringLiteral("f3.png")}));
 }
 
 TEST_F(command, ABadFileOfOneSourceLeavesItsPartnerIncomplete)
@@ -177,12 +211,14 @@ TEST_F(command, ABadFileOfOneSourceLeavesItsPartnerIncomplete)
     write(QStringLiteral("b/f1.png"), "this is no picture");
     const Result result = run("files a ! d.   files b ! d.   difference name=d ! save out/{stem}.png name=s");
     EXPECT_EQ(result.exit, 1);
-    EXPECT_EQ(withoutTimes(result.errors), QStringLiteral("port    arrived     used  incomplete\n"
-                                                          "d.img1        3        2           1\n"
-                                                          "failed:\n"
-                                                          "  files2: b/f1.png: PNG: Not a PNG file\n"
-                                                          "6 of 6 frames in T, 2 files written, 1 failed\n"));
-    EXPECT_EQ(filesIn(QStringLiteral("out")), (QStringList{QStringLiteral("f0.png"), QStringLiteral("f2.png")}));
+    EXPECT_EQ(withoutTimes(result.errors),
+        QStringLiteral("port    arrived     used  incomplete\n"
+                       "d.img1        3        2           1\n"
+                       "failed:\n"
+                       "  files2: b/f1.png: PNG: Not a PNG file\n"
+                       "6 of 6 frames in T, 2 files written, 1 failed\n"));
+    EXPECT_EQ(
+        filesIn(QStringLiteral("out")), (QStringList {QStringLiteral("f0.png"), QStringLiteral("f2.png")}));
 }
 
 TEST_F(command, AFailedStepIsNamedWithItsFrame)
@@ -191,7 +227,8 @@ TEST_F(command, AFailedStepIsNamedWithItsFrame)
     host::writeImage(path(QStringLiteral("b/y.png")), makeRandomImage(cImgType::UInt8, 5, 4));
     const Result result = run("files a ! d.   files b ! d.   difference name=d ! save out/{stem}.png");
     EXPECT_EQ(result.exit, 1);
-    EXPECT_TRUE(result.errors.contains(QStringLiteral("d: a/x.png (frame 0): ")) && result.errors.contains(QStringLiteral("Image sizes must be equal.")))
+    EXPECT_TRUE(result.errors.contains(QStringLiteral("d: a/x.png (frame 0): "))
+        && result.errors.contains(QStringLiteral("Image sizes must be equal.")))
         << result.errors.toStdString();
 }
 
@@ -203,19 +240,22 @@ TEST_F(command, StopsReadingAtTheFirstFailureIfAsked)
         {QStringLiteral("--on-error"), QStringLiteral("stop")});
     EXPECT_EQ(result.exit, 1);
     EXPECT_LT(filesIn(QStringLiteral("out")).size(), 50000);
-    EXPECT_TRUE(result.errors.contains(QStringLiteral("in/a.png: PNG: Not a PNG file"))) << result.errors.toStdString();
+    EXPECT_TRUE(result.errors.contains(QStringLiteral("in/a.png: PNG: Not a PNG file")))
+        << result.errors.toStdString();
 }
 
 TEST_F(command, RefusedFramesAreCountedAndMakeTheRunFail)
 {
     writeFrames(QStringLiteral("in"), 3, cImgType::UInt16);
     host::writeImage(path(QStringLiteral("in/g.png")), makeRandomImage(cImgType::UInt16, 12, 8, 3));
-    const Result result = run("files in name=f ! d.img1   f. ! d.img2   difference name=d ! save out/{stem}.png");
+    const Result result
+        = run("files in name=f ! d.img1   f. ! d.img2   difference name=d ! save out/{stem}.png");
     EXPECT_EQ(result.exit, 1);
-    EXPECT_TRUE(result.errors.startsWith(QStringLiteral("port    arrived     used  refused\n"
-                                                        "d.img1        4        3        1\n"
-                                                        "d.img2        4        3        1\n"
-                                                        "d.img1 refused 1 frames: it takes image: UInt8 of 1 channel, ")))
+    EXPECT_TRUE(result.errors.startsWith(
+        QStringLiteral("port    arrived     used  refused\n"
+                       "d.img1        4        3        1\n"
+                       "d.img2        4        3        1\n"
+                       "d.img1 refused 1 frames: it takes image: UInt8 of 1 channel, ")))
         << result.errors.toStdString();
 }
 
@@ -225,21 +265,29 @@ TEST_F(command, TwoFramesNeverWriteOneFile)
     writeFrames(QStringLiteral("b"), 1);
     const Result result = run("files a/f0.png,b/f0.png ! save out/{stem}.png name=s");
     EXPECT_EQ(result.exit, 1);
-    EXPECT_TRUE(result.errors.contains(QStringLiteral("s: b/f0.png (frame 1): out/f0.png: the file was written by frame 0 of s already")))
+    EXPECT_TRUE(result.errors.contains(
+        QStringLiteral("s: b/f0.png (frame 1): out/f0.png: the file was written by frame 0 of s already")))
         << result.errors.toStdString();
-    EXPECT_TRUE(samePixels(host::readImage(path(QStringLiteral("out/f0.png"))), host::readImage(path(QStringLiteral("a/f0.png")))));
+    EXPECT_TRUE(samePixels(host::readImage(path(QStringLiteral("out/f0.png"))),
+        host::readImage(path(QStringLiteral("a/f0.png")))));
     const Result two = run("files a name=f ! save o.png name=s   f. ! save ./o.png name=t");
     EXPECT_EQ(two.exit, 1);
-    EXPECT_TRUE(two.errors.contains(QStringLiteral("the file was written by frame 0 of "))) << two.errors.toStdString();
+    EXPECT_TRUE(two.errors.contains(QStringLiteral("the file was written by frame 0 of ")))
+        << two.errors.toStdString();
 }
 
 TEST_F(command, AnInputIsNotWrittenOver)
 {
     writeFrames(QStringLiteral("in"), 1);
-    const QByteArray before = [&] { QFile f(path(QStringLiteral("in/f0.png"))); return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray(); }();
-    const Result result = run("files in name=f ! d.img1  f. ! d.img2  difference name=d ! save in/{stem}.png");
+    const QByteArray before = [&] {
+        QFile f(path(QStringLiteral("in/f0.png")));
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }();
+    const Result result
+        = run("files in name=f ! d.img1  f. ! d.img2  difference name=d ! save in/{stem}.png");
     EXPECT_EQ(result.exit, 1);
-    EXPECT_TRUE(result.errors.contains(QStringLiteral("in/f0.png: the file is an input of this run and is not written over")))
+    EXPECT_TRUE(result.errors.contains(
+        QStringLiteral("in/f0.png: the file is an input of this run and is not written over")))
         << result.errors.toStdString();
     QFile after(path(QStringLiteral("in/f0.png")));
     ASSERT_TRUE(after.open(QIODevice::ReadOnly));
@@ -252,7 +300,9 @@ TEST_F(command, StatsTellTheFatesAndTimesOfAll)
     const Result result = run("files in ! save out/{stem}.png name=s", {QStringLiteral("--stats")});
     EXPECT_EQ(result.exit, 0);
     EXPECT_EQ(result.output, QString());
-    EXPECT_TRUE(QRegularExpression(QStringLiteral("^port   arrived     used\ns.img        2        2\ns  2 steps, [0-9.]+ ms each\n2 of 2 frames"))
+    EXPECT_TRUE(QRegularExpression(
+        QStringLiteral(
+            "^port   arrived     used\ns.img        2        2\ns  2 steps, [0-9.]+ ms each\n2 of 2 frames"))
                     .match(result.errors)
                     .hasMatch())
         << result.errors.toStdString();
@@ -288,27 +338,36 @@ TEST_F(command, RefusesWhatItDoesNotUnderstand)
 {
     writeFrames(QStringLiteral("in"), 1);
     const Usage usages[] = {
-        {"run", "tarn run: error: no graph, expected a file or -e 'text'\n  help: 'tarn run --help' tells more\n"},
-        {"run|missing.tarn", "tarn run: error: missing.tarn: No such file or directory\n"},
-        {"run|a|b", "tarn run: error: expected one graph file, found 2\n"},
-        {"run|-e|abs|g.tarn", "tarn run: error: a graph is given by -e, and there is 'g.tarn' besides\n"
-                              "  help: quote the whole graph: -e 'files in/*.png ! ...'\n"},
-        {"run|--realtime|-e|abs", "tarn run: error: unknown option, found '--realtime'\n"
-                                  "  help: known: -e, -D, --limit, --on-error, --stats, --quiet, -q, --verbose, -v, --help, -h\n"},
-        {"run|--statz|-e|abs", "tarn run: error: unknown option, found '--statz'\n  help: did you mean '--stats'?\n"},
-        {"run|-e", "tarn run: error: the option -e needs a value, expected -e TEXT\n"},
-        {"run|--limit|0|-e|abs", "tarn run: error: --limit expects a number above 0, found '0'\n"},
-        {"run|--limit|many|-e|abs", "tarn run: error: --limit expects a number above 0, found 'many'\n"},
-        {"run|--on-error|retry|-e|abs", "tarn run: error: --on-error expects skip or stop, found 'retry'\n"},
-        {"run|-D|1=2|-e|abs", "tarn run: error: -D expects KEY=VALUE, found '1=2'\n"},
-        {"run|-e|files in ! nosuch", "-e:1:12: error: unknown station, expected an identifier or the unique end of one, "
-                                     "found 'nosuch'\n"},
-        {"run|-e|files in !", "-e:1:10: error: expected a station or a reference after '!', found the end of the text\n"},
-        {"run|-e|files in ! d.img1|-e|difference name=d", nullptr},
-        {"rum", "tarn: error: unknown command, found 'rum'\n  help: did you mean 'run'?\n"},
-        {"list|a|b", "tarn list: error: expected one text to look for, found 2\n"},
-        {"inspect", "tarn inspect: error: expected one station, found 0\n  help: 'tarn list' names them\n"},
-        {"inspect|ad", "tarn inspect: error: unknown station, found 'ad'\n  help: did you mean 'ipp/image/arithmetic/add'?\n"},
+        {"run",
+         "tarn run: error: no graph, expected a file or -e 'text'\n  help: 'tarn run --help' tells "
+            "more\n"                                                                                                                            },
+        {"run|missing.tarn",                              "tarn run: error: missing.tarn: No such file or directory\n"                          },
+        {"run|a|b",                                       "tarn run: error: expected one graph file, found 2\n"                                 },
+        {"run|-e|abs|g.tarn",
+         "tarn run: error: a graph is given by -e, and there is 'g.tarn' besides\n"
+            "  help: quote the whole graph: -e 'files in/*.png ! ...'\n"                                                                        },
+        {"run|--realtime|-e|abs",
+         "tarn run: error: unknown option, found '--realtime'\n"
+            "  help: known: -e, -D, --limit, --on-error, --stats, --quiet, -q, --verbose, -v, --help, -h\n"                                     },
+        {"run|--statz|-e|abs",
+         "tarn run: error: unknown option, found '--statz'\n  help: did you mean '--stats'?\n"                                                  },
+        {"run|-e",                                        "tarn run: error: the option -e needs a value, expected -e TEXT\n"                    },
+        {"run|--limit|0|-e|abs",                          "tarn run: error: --limit expects a number above 0, found '0'\n"                      },
+        {"run|--limit|many|-e|abs",                       "tarn run: error: --limit expects a number above 0, found 'many'\n"                   },
+        {"run|--on-error|retry|-e|abs",                   "tarn run: error: --on-error expects skip or stop, found 'retry'\n"                   },
+        {"run|-D|1=2|-e|abs",                             "tarn run: error: -D expects KEY=VALUE, found '1=2'\n"                                },
+        {"run|-e|files in ! nosuch",
+         "-e:1:12: error: unknown station, expected an identifier or the unique end of one, "
+            "found 'nosuch'\n"                                                                                                                  },
+        {"run|-e|files in !",
+         "-e:1:10: error: expected a station or a reference after '!', found the end of the text\n"                                             },
+        {"run|-e|files in ! d.img1|-e|difference name=d", nullptr                                                                               },
+        {"rum",                                           "tarn: error: unknown command, found 'rum'\n  help: did you mean 'run'?\n"            },
+        {"list|a|b",                                      "tarn list: error: expected one text to look for, found 2\n"                          },
+        {"inspect",                                       "tarn inspect: error: expected one station, found 0\n  help: 'tarn list' names them\n"},
+        {"inspect|ad",
+         "tarn inspect: error: unknown station, found 'ad'\n  help: did you mean "
+            "'ipp/image/arithmetic/add'?\n"                                                                                                     },
     };
     for (const Usage& usage : usages) {
         const Result result = tarn(QString::fromUtf8(usage.words).split(u'|'));
@@ -316,7 +375,8 @@ TEST_F(command, RefusesWhatItDoesNotUnderstand)
         EXPECT_EQ(result.output, QString()) << usage.words;
         if (usage.errors) {
             EXPECT_TRUE(result.errors.startsWith(QString::fromUtf8(usage.errors)))
-                << usage.words << "\n" << result.errors.toStdString();
+                << usage.words << "\n"
+                << result.errors.toStdString();
         }
     }
 }
@@ -327,7 +387,8 @@ TEST_F(command, ARequiredInputWithoutASenderIsNamedWithItsPlace)
     write(QStringLiteral("g.tarn"), "files in ! d.img1\n\n  difference name=d ! save o.png\n");
     const Result result = tarn("run g.tarn");
     EXPECT_EQ(result.exit, 2);
-    EXPECT_TRUE(result.errors.startsWith(QStringLiteral("g.tarn:3:3: error: d.img2: "))) << result.errors.toStdString();
+    EXPECT_TRUE(result.errors.startsWith(QStringLiteral("g.tarn:3:3: error: d.img2: ")))
+        << result.errors.toStdString();
 }
 
 TEST_F(command, ACycleIsRefused)
@@ -348,9 +409,11 @@ TEST_F(command, ListsStationsWithTheirPurpose)
     const QStringList lines = all.output.split(u'\n', Qt::SkipEmptyParts);
     EXPECT_GE(lines.size(), 12);
     for (const QString& line : lines)
-        EXPECT_TRUE(QRegularExpression(QStringLiteral("^[A-Za-z0-9/]+  +[A-Z].*\\.$")).match(line).hasMatch()) << line.toStdString();
+        EXPECT_TRUE(QRegularExpression(QStringLiteral("^[A-Za-z0-9/]+  +[A-Z].*\\.$")).match(line).hasMatch())
+            << line.toStdString();
     const Result some = tarn("list subtr");
-    EXPECT_EQ(some.output, QStringLiteral("ipp/image/arithmetic/subtract  Difference of two images: img2 - img1.\n"));
+    EXPECT_EQ(some.output,
+        QStringLiteral("ipp/image/arithmetic/subtract  Difference of two images: img2 - img1.\n"));
     EXPECT_EQ(tarn("list nosuchthing").exit, 2);
 }
 
@@ -358,12 +421,17 @@ TEST_F(command, InspectsAStation)
 {
     const Result result = tarn("inspect arithmetic/subtract");
     EXPECT_EQ(result.exit, 0);
-    EXPECT_TRUE(result.output.startsWith(QStringLiteral("ipp/image/arithmetic/subtract\n  Difference of two images: img2 - img1.\n\ninputs\n  img1  image: UInt8 of 1 channel")))
+    EXPECT_TRUE(
+        result.output.startsWith(QStringLiteral("ipp/image/arithmetic/subtract\n  Difference of two images: "
+                                                "img2 - img1.\n\ninputs\n  img1  image: UInt8 of 1 channel")))
         << result.output.toStdString();
-    for (const char* part : {"\noutputs\n  img", "\nparameters\n  img1.delay  ", "\nnotes\n  - ", "\nexample\n  tarn run -e 'files a/*.png ! x.img1   files b/*.png ! x.img2   subtract name=x ! save out/{stem}.tif'\n"})
+    for (const char* part : {"\noutputs\n  img", "\nparameters\n  img1.delay  ", "\nnotes\n  - ",
+             "\nexample\n  tarn run -e 'files a/*.png ! x.img1   files b/*.png ! x.img2   subtract name=x ! "
+             "save out/{stem}.tif'\n"})
         EXPECT_TRUE(result.output.contains(QString::fromUtf8(part))) << part;
     const Result files = tarn("inspect files");
-    EXPECT_TRUE(files.output.contains(QStringLiteral("\n  repeat  uint    1   how many times"))) << files.output.toStdString();
+    EXPECT_TRUE(files.output.contains(QStringLiteral("\n  repeat  uint    1   how many times")))
+        << files.output.toStdString();
 }
 
 TEST_F(command, EveryStationsExampleIsUnderstood)
@@ -379,14 +447,17 @@ TEST_F(command, EveryStationsExampleIsUnderstood)
         ASSERT_FALSE(example.isEmpty()) << id.toStdString();
         // Whether these 8-bit pictures suit the station is another matter: then the run ends with 1.
         const Result result = tarn({QStringLiteral("run"), QStringLiteral("-e"), example});
-        EXPECT_TRUE(result.exit == 0 || (result.exit == 1 && result.errors.contains(QStringLiteral(" refused "))))
-            << id.toStdString() << "\n" << result.errors.toStdString();
+        EXPECT_TRUE(
+            result.exit == 0 || (result.exit == 1 && result.errors.contains(QStringLiteral(" refused "))))
+            << id.toStdString() << "\n"
+            << result.errors.toStdString();
     }
 }
 
 TEST_F(command, HelpAndVersionAreResults)
 {
-    for (const char* words : {"--help", "-h", "help", "run --help", "list --help", "inspect -h", "--version"}) {
+    for (const char* words :
+        {"--help", "-h", "help", "run --help", "list --help", "inspect -h", "--version"}) {
         const Result result = tarn(words);
         EXPECT_EQ(result.exit, 0) << words;
         EXPECT_FALSE(result.output.isEmpty()) << words;
@@ -407,7 +478,9 @@ protected:
     void startLongRun(QProcess& io_process, unsigned i_side)
     {
         host::writeImage(path(QStringLiteral("big.tif")), makeRandomImage(cImgType::UInt16, i_side, i_side));
-        start(io_process, {QStringLiteral("run"), QStringLiteral("-e"), QStringLiteral("files big.tif repeat=1000 ! save out/{index}.png name=s")});
+        start(io_process,
+            {QStringLiteral("run"), QStringLiteral("-e"),
+                QStringLiteral("files big.tif repeat=1000 ! save out/{index}.png name=s")});
         QElapsedTimer timer;
         timer.start();
         while (!QFile::exists(path(QStringLiteral("out/0000.png"))) && timer.elapsed() < 60000)
@@ -435,9 +508,12 @@ TEST_F(interruption, OnceFinishesWhatIsInFlight)
     interrupt(process);
     const Result result = finish(process);
     EXPECT_EQ(result.exit, 130);
-    EXPECT_TRUE(result.errors.contains(QStringLiteral("interrupted: finishing what is in flight; once more stops at once\n")))
+    EXPECT_TRUE(result.errors.contains(
+        QStringLiteral("interrupted: finishing what is in flight; once more stops at once\n")))
         << result.errors.toStdString();
-    const auto counts = QRegularExpression(QStringLiteral("(\\d+) of 1000 frames in .*, (\\d+) files written, 0 failed")).match(result.errors);
+    const auto counts
+        = QRegularExpression(QStringLiteral("(\\d+) of 1000 frames in .*, (\\d+) files written, 0 failed"))
+              .match(result.errors);
     ASSERT_TRUE(counts.hasMatch()) << result.errors.toStdString();
     // Every frame that was read has been written, whole.
     EXPECT_EQ(counts.captured(1), counts.captured(2));
@@ -458,8 +534,11 @@ TEST_F(interruption, TwiceDiscardsIt)
     const Result result = finish(process);
     errors += result.errors;
     EXPECT_EQ(result.exit, 130);
-    EXPECT_TRUE(errors.contains(QStringLiteral("stopped: what was in flight is discarded\n"))) << errors.toStdString();
-    const auto counts = QRegularExpression(QStringLiteral("(\\d+) of 1000 frames in .*, (\\d+) files written")).match(errors);
+    EXPECT_TRUE(errors.contains(QStringLiteral("stopped: what was in flight is discarded\n")))
+        << errors.toStdString();
+    const auto counts
+        = QRegularExpression(QStringLiteral("(\\d+) of 1000 frames in .*, (\\d+) files written"))
+              .match(errors);
     ASSERT_TRUE(counts.hasMatch()) << errors.toStdString();
     EXPECT_LT(counts.captured(2).toInt(), counts.captured(1).toInt());
     // No half file stays.

@@ -103,7 +103,7 @@ TEST_P(everyPixelType, OfOnePixelIsReadBack)
 }
 
 INSTANTIATE_TEST_SUITE_P(Lossless, everyPixelType,
-    testing::Values(File{"PNG", "a.png"}, File{"BMP", "a.bmp"}, File{"TIFF", "a.tif"}),
+    testing::Values(File {"PNG", "a.png"}, File {"BMP", "a.bmp"}, File {"TIFF", "a.tif"}),
     [](const auto& i_row) { return i_row.param.format; });
 
 TEST_F(fileFormats, TiffHoldsEveryPixelType)
@@ -117,7 +117,8 @@ TEST_F(fileFormats, TiffHoldsEveryPixelType)
 
 TEST_F(fileFormats, JpegKeepsGreyAndColourCloseToWhatTheyWere)
 {
-    const cImg grey = generateImage(cImgType::UInt8, 32, 24, [](unsigned x, unsigned y) { return quint8(4 * x + 3 * y); });
+    const cImg grey = generateImage(
+        cImgType::UInt8, 32, 24, [](unsigned x, unsigned y) { return quint8(4 * x + 3 * y); });
     host::writeImage(path("grey.jpg"), grey);
     const cImg greyBack = read("grey.jpg");
     ASSERT_TRUE(greyBack.isKindOf(cImgType::UInt8));
@@ -125,7 +126,11 @@ TEST_F(fileFormats, JpegKeepsGreyAndColourCloseToWhatTheyWere)
     for (unsigned y = 0; y < 24; ++y)
         for (unsigned x = 0; x < 32; ++x)
             EXPECT_NEAR(greyBack.getPixel<quint8>(x, y), grey.getPixel<quint8>(x, y), 4);
-    const cImg red = makeImage<quint8>(cImgType::RGB24, {{200, 20, 30, 200, 20, 30}, {200, 20, 30, 200, 20, 30}});
+    const cImg red = makeImage<quint8>(cImgType::RGB24,
+        {
+            {200, 20, 30, 200, 20, 30},
+            {200, 20, 30, 200, 20, 30}
+    });
     host::writeImage(path("red.jpeg"), red);
     const cImg redBack = read("red.jpeg");
     ASSERT_TRUE(redBack.isKindOf(cImgType::RGB24));
@@ -143,12 +148,12 @@ struct Refusal {
 TEST_F(fileFormats, ATypeThatAFormatCannotHoldIsRefusedWithTheFormatsThatCan)
 {
     const Refusal refusals[] = {
-        {"a.png", cImgType::Float32, 1, "PNG cannot hold Float32 with 1 channel, formats that can: TIFF"},
-        {"a.png", cImgType::UInt8, 3, "PNG cannot hold UInt8 with 3 channels, formats that can: TIFF"},
-        {"a.png", cImgType::Gradient16, 2, "PNG cannot hold Gradient16, formats that can: TIFF"},
-        {"a.jpg", cImgType::UInt16, 1, "JPEG cannot hold UInt16 with 1 channel, formats that can: PNG, TIFF"},
-        {"a.jpg", cImgType::RGB32, 4, "JPEG cannot hold RGB32, formats that can: PNG, TIFF"},
-        {"a.bmp", cImgType::SInt16, 1, "BMP cannot hold SInt16 with 1 channel, formats that can: TIFF"},
+        {"a.png", cImgType::Float32,    1, "PNG cannot hold Float32 with 1 channel, formats that can: TIFF"     },
+        {"a.png", cImgType::UInt8,      3, "PNG cannot hold UInt8 with 3 channels, formats that can: TIFF"      },
+        {"a.png", cImgType::Gradient16, 2, "PNG cannot hold Gradient16, formats that can: TIFF"                 },
+        {"a.jpg", cImgType::UInt16,     1, "JPEG cannot hold UInt16 with 1 channel, formats that can: PNG, TIFF"},
+        {"a.jpg", cImgType::RGB32,      4, "JPEG cannot hold RGB32, formats that can: PNG, TIFF"                },
+        {"a.bmp", cImgType::SInt16,     1, "BMP cannot hold SInt16 with 1 channel, formats that can: TIFF"      },
     };
     for (const Refusal& refusal : refusals) {
         const cImg image = makeRandomImage(refusal.type, 3, 2, refusal.channels);
@@ -160,10 +165,11 @@ TEST_F(fileFormats, ATypeThatAFormatCannotHoldIsRefusedWithTheFormatsThatCan)
 TEST_F(fileFormats, AFailedWriteLeavesTheOldFile)
 {
     writeBytes("a.png", "old");
-    EXPECT_THROW(host::writeImage(path("a.png"), makeRandomImage(cImgType::Float64, 3, 2)), std::runtime_error);
+    EXPECT_THROW(
+        host::writeImage(path("a.png"), makeRandomImage(cImgType::Float64, 3, 2)), std::runtime_error);
     EXPECT_THROW(host::writeImage(path("a.png"), cImg()), std::runtime_error);
     EXPECT_EQ(bytesOf("a.png"), "old");
-    EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::Files), QStringList{QStringLiteral("a.png")});
+    EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::Files), QStringList {QStringLiteral("a.png")});
 }
 
 TEST_F(fileFormats, FoldersOnTheWayAreMade)
@@ -191,7 +197,8 @@ TEST_F(fileFormats, TheExtensionIsMatchedAsAWhole)
 
 TEST_F(fileFormats, NoHandlersFilterContainsAnothersExtension)
 {
-    const QStringList names{QStringLiteral("PNG"), QStringLiteral("JPEG"), QStringLiteral("BMP"), QStringLiteral("TIFF")};
+    const QStringList names {
+        QStringLiteral("PNG"), QStringLiteral("JPEG"), QStringLiteral("BMP"), QStringLiteral("TIFF")};
     for (const QString& name : names) {
         const auto patterns = formatOf(qPrintable(name))->getFilter().split(u' ');
         for (const QString& pattern : patterns) {
@@ -274,14 +281,16 @@ TEST_P(damagedFiles, WithAnyByteChangedDoNoHarm)
 }
 
 INSTANTIATE_TEST_SUITE_P(EachFormat, damagedFiles,
-    testing::Values(File{"PNG", "a.png"}, File{"JPEG", "a.jpg"}, File{"BMP", "a.bmp"}, File{"TIFF", "a.tif"}),
+    testing::Values(
+        File {"PNG", "a.png"}, File {"JPEG", "a.jpg"}, File {"BMP", "a.bmp"}, File {"TIFF", "a.tif"}),
     [](const auto& i_row) { return i_row.param.format; });
 
 TEST_F(fileFormats, AHeaderThatClaimsTooMuchIsRefusedBeforeMemoryIsTaken)
 {
     // 60000x60000 grey, with a sound checksum and nothing behind it.
-    const QByteArray png = QByteArray::fromHex("89504e470d0a1a0a0000000d494844520000ea600000ea600800000000d7bd5a1c"
-                                               "0000000049454e44ae426082");
+    const QByteArray png
+        = QByteArray::fromHex("89504e470d0a1a0a0000000d494844520000ea600000ea600800000000d7bd5a1c"
+                              "0000000049454e44ae426082");
     writeBytes("bomb.png", png);
     const std::string message = messageOf([&] { read("bomb.png"); });
     EXPECT_TRUE(message.find("the image is too large") == 0 || message.find("PNG: ") == 0) << message;
@@ -301,18 +310,20 @@ TEST_F(fileFormats, AHeaderThatClaimsTooMuchIsRefusedBeforeMemoryIsTaken)
 // ---- what others write ----
 
 /** A PNG file as libpng writes it for these settings. */
-QByteArray makePng(int i_width, int i_height, int i_bits, int i_colour, bool i_interlaced, const QList<QByteArray>& i_rows,
-    const QVector<png_color>& i_palette = {}, int i_transparent = -1)
+QByteArray makePng(int i_width, int i_height, int i_bits, int i_colour, bool i_interlaced,
+    const QList<QByteArray>& i_rows, const QVector<png_color>& i_palette = {}, int i_transparent = -1)
 {
     QByteArray bytes;
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
     png_infop info = png_create_info_struct(png);
     const auto write = [](png_structp i_png, png_bytep i_data, std::size_t i_count) {
-        static_cast<QByteArray*>(png_get_io_ptr(i_png))->append(reinterpret_cast<const char*>(i_data), int(i_count));
+        static_cast<QByteArray*>(png_get_io_ptr(i_png))
+            ->append(reinterpret_cast<const char*>(i_data), int(i_count));
     };
     png_set_write_fn(png, &bytes, write, [](png_structp) {});
     png_set_IHDR(png, info, png_uint_32(i_width), png_uint_32(i_height), i_bits, i_colour,
-        i_interlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+        i_interlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
+        PNG_FILTER_TYPE_DEFAULT);
     if (!i_palette.isEmpty())
         png_set_PLTE(png, info, i_palette.constData(), i_palette.size());
     if (i_transparent >= 0) {
@@ -332,29 +343,46 @@ QByteArray makePng(int i_width, int i_height, int i_bits, int i_colour, bool i_i
 
 cImg decodePng(const QByteArray& i_bytes)
 {
-    return cPngFormat().decode(reinterpret_cast<const unsigned char*>(i_bytes.constData()), std::size_t(i_bytes.size()));
+    return cPngFormat().decode(
+        reinterpret_cast<const unsigned char*>(i_bytes.constData()), std::size_t(i_bytes.size()));
 }
 
 TEST_F(fileFormats, PngOfOneBitBecomesBlackAndWhite)
 {
-    const QByteArray bytes = makePng(9, 2, 1, PNG_COLOR_TYPE_GRAY, false, {QByteArray("\xa5\x80", 2), QByteArray("\x5a\x00", 2)});
+    const QByteArray bytes = makePng(
+        9, 2, 1, PNG_COLOR_TYPE_GRAY, false, {QByteArray("\xa5\x80", 2), QByteArray("\x5a\x00", 2)});
     EXPECT_TRUE(samePixels(decodePng(bytes),
-        makeImage<quint8>(
-            cImgType::UInt8, {{255, 0, 255, 0, 0, 255, 0, 255, 255}, {0, 255, 0, 255, 255, 0, 255, 0, 0}})));
+        makeImage<quint8>(cImgType::UInt8,
+            {
+                {255, 0,   255, 0,   0,   255, 0,   255, 255},
+                {0,   255, 0,   255, 255, 0,   255, 0,   0  }
+    })));
 }
 
 TEST_F(fileFormats, PngPalettesBecomeColour)
 {
-    const QByteArray bytes = makePng(3, 1, 8, PNG_COLOR_TYPE_PALETTE, false, {QByteArray("\x02\x00\x01", 3)},
+    const QByteArray bytes = makePng(3, 1, 8, PNG_COLOR_TYPE_PALETTE, false,
+        {
+            QByteArray("\x02\x00\x01", 3)
+    },
         {{1, 2, 3}, {40, 50, 60}, {255, 0, 128}});
-    EXPECT_TRUE(samePixels(decodePng(bytes), makeImage<quint8>(cImgType::RGB24, {{255, 0, 128, 1, 2, 3, 40, 50, 60}})));
+    EXPECT_TRUE(samePixels(decodePng(bytes),
+        makeImage<quint8>(cImgType::RGB24,
+            {
+                {255, 0, 128, 1, 2, 3, 40, 50, 60}
+    })));
 }
 
 TEST_F(fileFormats, PngTransparentGreyBecomesASecondChannel)
 {
     const QByteArray bytes
         = makePng(3, 1, 8, PNG_COLOR_TYPE_GRAY, false, {QByteArray("\x07\x64\x07", 3)}, {}, 100);
-    EXPECT_TRUE(samePixels(decodePng(bytes), makeImage<quint8>(cImgType::UInt8, {{7, 255, 100, 0, 7, 255}}, 2)));
+    EXPECT_TRUE(samePixels(decodePng(bytes),
+        makeImage<quint8>(cImgType::UInt8,
+            {
+                {7, 255, 100, 0, 7, 255}
+    },
+            2)));
 }
 
 TEST_F(fileFormats, PngInterlacedOf16BitsIsReadToTheBit)
@@ -380,18 +408,27 @@ TEST_F(fileFormats, BmpWithAColourTableBecomesColourUnlessItIsGrey)
     indexed.setPixel(0, 0, 1);
     indexed.setPixel(1, 0, 0);
     ASSERT_TRUE(indexed.save(path("c.bmp"), "BMP"));
-    EXPECT_TRUE(samePixels(read("c.bmp"), makeImage<quint8>(cImgType::RGB24, {{200, 100, 0, 10, 20, 30}})));
+    EXPECT_TRUE(samePixels(read("c.bmp"),
+        makeImage<quint8>(cImgType::RGB24,
+            {
+                {200, 100, 0, 10, 20, 30}
+    })));
     QImage mono(9, 1, QImage::Format_Mono);
     mono.setColorTable({qRgb(0, 0, 0), qRgb(255, 255, 255)});
     for (int x = 0; x < 9; ++x)
         mono.setPixel(x, 0, x % 2);
     ASSERT_TRUE(mono.save(path("m.bmp"), "BMP"));
-    EXPECT_TRUE(samePixels(read("m.bmp"), makeImage<quint8>(cImgType::UInt8, {{0, 255, 0, 255, 0, 255, 0, 255, 0}})));
+    EXPECT_TRUE(samePixels(read("m.bmp"),
+        makeImage<quint8>(cImgType::UInt8,
+            {
+                {0, 255, 0, 255, 0, 255, 0, 255, 0}
+    })));
 }
 
 /** A TIFF file by libtiff's own means; `i_fields` sets what differs from grey of 8 bits. */
 template <class Fields, class Pixels>
-QString makeTiff(const QString& i_path, const char* i_mode, int i_width, int i_height, Fields&& i_fields, Pixels&& i_pixels)
+QString makeTiff(const QString& i_path, const char* i_mode, int i_width, int i_height, Fields&& i_fields,
+    Pixels&& i_pixels)
 {
     TIFF* tiff = TIFFOpen(QFile::encodeName(i_path).constData(), i_mode);
     TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, i_width);
@@ -415,7 +452,8 @@ TEST_F(fileFormats, TiffInForeignByteOrderAndCompressedIsReadToTheBit)
 {
     const cImg expected = makeRandomImage(cImgType::UInt16, 17, 9, 3);
     for (const char* mode : {"wb", "wl"}) {
-        const QString name = makeTiff(path("a.tif"), mode, 17, 9,
+        const QString name = makeTiff(
+            path("a.tif"), mode, 17, 9,
             [](TIFF* t) {
                 TIFFSetField(t, TIFFTAG_BITSPERSAMPLE, 16);
                 TIFFSetField(t, TIFFTAG_SAMPLESPERPIXEL, 3);
@@ -425,7 +463,8 @@ TEST_F(fileFormats, TiffInForeignByteOrderAndCompressedIsReadToTheBit)
             },
             [&](TIFF* t) {
                 for (unsigned y = 0; y < 9; ++y)
-                    writeRow(t, y, QByteArray(reinterpret_cast<const char*>(expected.getRow<quint16>(y)), 17 * 6));
+                    writeRow(
+                        t, y, QByteArray(reinterpret_cast<const char*>(expected.getRow<quint16>(y)), 17 * 6));
             });
         EXPECT_TRUE(samePixels(host::readImage(name), expected)) << mode;
     }
@@ -434,7 +473,8 @@ TEST_F(fileFormats, TiffInForeignByteOrderAndCompressedIsReadToTheBit)
 TEST_F(fileFormats, TiffInTilesIsReadToTheBit)
 {
     const cImg expected = makeRandomImage(cImgType::UInt8, 37, 21);
-    const QString name = makeTiff(path("a.tif"), "w", 37, 21,
+    const QString name = makeTiff(
+        path("a.tif"), "w", 37, 21,
         [](TIFF* t) {
             TIFFSetField(t, TIFFTAG_TILEWIDTH, 16);
             TIFFSetField(t, TIFFTAG_TILELENGTH, 16);
@@ -454,7 +494,8 @@ TEST_F(fileFormats, TiffInTilesIsReadToTheBit)
 
 TEST_F(fileFormats, TiffInSeparatePlanesBecomesPixels)
 {
-    const QString name = makeTiff(path("a.tif"), "w", 2, 1,
+    const QString name = makeTiff(
+        path("a.tif"), "w", 2, 1,
         [](TIFF* t) {
             TIFFSetField(t, TIFFTAG_SAMPLESPERPIXEL, 3);
             TIFFSetField(t, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
@@ -465,27 +506,42 @@ TEST_F(fileFormats, TiffInSeparatePlanesBecomesPixels)
             writeRow(t, 0, QByteArray("\x02\x05", 2), 1);
             writeRow(t, 0, QByteArray("\x03\x06", 2), 2);
         });
-    EXPECT_TRUE(samePixels(host::readImage(name), makeImage<quint8>(cImgType::RGB24, {{1, 2, 3, 4, 5, 6}})));
+    EXPECT_TRUE(samePixels(host::readImage(name),
+        makeImage<quint8>(cImgType::RGB24,
+            {
+                {1, 2, 3, 4, 5, 6}
+    })));
 }
 
 TEST_F(fileFormats, TiffWithWhiteAsZeroIsTurnedRound)
 {
-    const QString name = makeTiff(path("a.tif"), "w", 3, 1,
+    const QString name = makeTiff(
+        path("a.tif"), "w", 3, 1,
         [](TIFF* t) { TIFFSetField(t, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISWHITE); },
         [](TIFF* t) { writeRow(t, 0, QByteArray("\x00\x01\xff", 3)); });
-    EXPECT_TRUE(samePixels(host::readImage(name), makeImage<quint8>(cImgType::UInt8, {{255, 254, 0}})));
+    EXPECT_TRUE(samePixels(host::readImage(name),
+        makeImage<quint8>(cImgType::UInt8,
+            {
+                {255, 254, 0}
+    })));
 }
 
 TEST_F(fileFormats, TiffOfFourBitsFillsTheRange)
 {
-    const QString name = makeTiff(path("a.tif"), "w", 3, 1, [](TIFF* t) { TIFFSetField(t, TIFFTAG_BITSPERSAMPLE, 4); },
+    const QString name = makeTiff(
+        path("a.tif"), "w", 3, 1, [](TIFF* t) { TIFFSetField(t, TIFFTAG_BITSPERSAMPLE, 4); },
         [](TIFF* t) { writeRow(t, 0, QByteArray("\x0f\x70", 2)); });
-    EXPECT_TRUE(samePixels(host::readImage(name), makeImage<quint8>(cImgType::UInt8, {{0, 255, 119}})));
+    EXPECT_TRUE(samePixels(host::readImage(name),
+        makeImage<quint8>(cImgType::UInt8,
+            {
+                {0, 255, 119}
+    })));
 }
 
 TEST_F(fileFormats, TiffPalettesBecomeColour)
 {
-    const QString name = makeTiff(path("a.tif"), "w", 2, 1,
+    const QString name = makeTiff(
+        path("a.tif"), "w", 2, 1,
         [](TIFF* t) {
             std::vector<std::uint16_t> red(256), green(256), blue(256);
             red[5] = 257 * 200;
@@ -495,18 +551,24 @@ TEST_F(fileFormats, TiffPalettesBecomeColour)
             TIFFSetField(t, TIFFTAG_COLORMAP, red.data(), green.data(), blue.data());
         },
         [](TIFF* t) { writeRow(t, 0, QByteArray("\x05\x00", 2)); });
-    EXPECT_TRUE(samePixels(host::readImage(name), makeImage<quint8>(cImgType::RGB24, {{200, 100, 50, 0, 0, 0}})));
+    EXPECT_TRUE(samePixels(host::readImage(name),
+        makeImage<quint8>(cImgType::RGB24,
+            {
+                {200, 100, 50, 0, 0, 0}
+    })));
 }
 
 TEST_F(fileFormats, TiffOfHalfFloatsIsRefused)
 {
-    const QString name = makeTiff(path("a.tif"), "w", 2, 1,
+    const QString name = makeTiff(
+        path("a.tif"), "w", 2, 1,
         [](TIFF* t) {
             TIFFSetField(t, TIFFTAG_BITSPERSAMPLE, 16);
             TIFFSetField(t, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_IEEEFP);
         },
         [](TIFF* t) { writeRow(t, 0, QByteArray(4, '\0')); });
-    EXPECT_EQ(messageOf([&] { host::readImage(name); }), "TIFF: no pixel type has 1 samples of 16 bits in sample format 3");
+    EXPECT_EQ(messageOf([&] { host::readImage(name); }),
+        "TIFF: no pixel type has 1 samples of 16 bits in sample format 3");
 }
 
 } // namespace

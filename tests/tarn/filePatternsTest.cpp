@@ -13,11 +13,13 @@ namespace {
 
 TEST(naturalOrder, CountsRunsOfDigitsAsNumbers)
 {
-    const char* ordered[] = {"", "a", "a1", "a01", "a1b", "a2", "a02", "a10", "a10b2", "a10b11", "ab", "b", "img1.png",
-        "img2.png", "img10.png", "img10x.png", "x99999999999999999998", "x99999999999999999999", "x100000000000000000000"};
+    const char* ordered[] = {"", "a", "a1", "a01", "a1b", "a2", "a02", "a10", "a10b2", "a10b11", "ab", "b",
+        "img1.png", "img2.png", "img10.png", "img10x.png", "x99999999999999999998", "x99999999999999999999",
+        "x100000000000000000000"};
     for (const char* const& a : ordered)
         for (const char* const& b : ordered)
-            EXPECT_EQ(host::naturalLess(QString::fromLatin1(a), QString::fromLatin1(b)), &a < &b) << a << " " << b;
+            EXPECT_EQ(host::naturalLess(QString::fromLatin1(a), QString::fromLatin1(b)), &a < &b)
+                << a << " " << b;
 }
 
 class filePatterns : public testing::Test {
@@ -26,8 +28,8 @@ protected:
     {
         host::registerFileFormats();
         ASSERT_TRUE(m_folder.isValid());
-        for (const char* name : {"img10.png", "img2.png", "img1.png", "note.txt", "b.TIF", ".hidden.png", "odd[1].png",
-                 "s1/c.png", "s2/c.png", "s10/c.png", "s10/d.jpg"}) {
+        for (const char* name : {"img10.png", "img2.png", "img1.png", "note.txt", "b.TIF", ".hidden.png",
+                 "odd[1].png", "s1/c.png", "s2/c.png", "s10/c.png", "s10/d.jpg"}) {
             const QString path = m_folder.filePath(QString::fromLatin1(name));
             QDir().mkpath(QFileInfo(path).path());
             QFile file(path);
@@ -52,8 +54,9 @@ TEST_F(filePatterns, AFolderStandsForTheFilesInItThatCanBeRead)
     EXPECT_EQ(expand("@"), QStringLiteral("@b.TIF @img1.png @img2.png @img10.png @odd[1].png"));
     EXPECT_EQ(expand("@s10"), QStringLiteral("@s10/c.png @s10/d.jpg"));
     EXPECT_EQ(expand("@empty"),
-        QStringLiteral("no file that can be read in the folder '@empty', expected files with one of the extensions bmp, "
-                       "jpeg, jpg, png, tif, tiff"));
+        QStringLiteral(
+            "no file that can be read in the folder '@empty', expected files with one of the extensions bmp, "
+            "jpeg, jpg, png, tif, tiff"));
 }
 
 TEST_F(filePatterns, WildcardsStandForNamesInEveryPartOfThePath)
@@ -80,7 +83,8 @@ TEST_F(filePatterns, SeveralAreSeparatedByCommas)
     EXPECT_EQ(expand("@img2.png,@s1,@img1*"), QStringLiteral("@img2.png @s1/c.png @img1.png @img10.png"));
     EXPECT_EQ(expand("@img2.png,@zz*"), QStringLiteral("no file matches '@zz*'"));
     EXPECT_EQ(expand(","), QStringLiteral("no file is named in ','"));
-    EXPECT_EQ(expand(""), QStringLiteral("no file is named, expected a file, a folder or a pattern such as in/*.png"));
+    EXPECT_EQ(expand(""),
+        QStringLiteral("no file is named, expected a file, a folder or a pattern such as in/*.png"));
 }
 
 TEST(fileList, HasOneNameInALine)
@@ -88,7 +92,7 @@ TEST(fileList, HasOneNameInALine)
     QString text = QStringLiteral("a.png\n\nmy b.png\r\nc.png");
     QTextStream stream(&text);
     EXPECT_EQ(host::readFileList(stream),
-        (QStringList{QStringLiteral("a.png"), QStringLiteral("my b.png"), QStringLiteral("c.png")}));
+        (QStringList {QStringLiteral("a.png"), QStringLiteral("my b.png"), QStringLiteral("c.png")}));
 }
 
 } // namespace

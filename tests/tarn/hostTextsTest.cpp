@@ -13,22 +13,25 @@ namespace {
 
 cOptions makeOptions()
 {
-    return cOptions({{QStringLiteral("-e"), QStringLiteral("TEXT"), QStringLiteral("the graph")},
-        {QStringLiteral("--limit"), QStringLiteral("N"), QStringLiteral("the most frames")},
-        {QStringLiteral("--quiet"), QString(), QStringLiteral("silence"), QStringLiteral("-q")}});
+    return cOptions({
+        {QStringLiteral("-e"),       QStringLiteral("TEXT"),            QStringLiteral("the graph")},
+        {                         QStringLiteral("--limit"),       QStringLiteral("N"), QStringLiteral("the most frames")                           },
+        { QStringLiteral("--quiet"), QString(),              QStringLiteral("silence"),                            QStringLiteral("-q")}
+    });
 }
 
 TEST(cOptions, SortsWordsIntoOptionsAndTheRest)
 {
     cOptions options = makeOptions();
-    EXPECT_EQ(options.parse({QStringLiteral("a"), QStringLiteral("-e"), QStringLiteral("x"), QStringLiteral("-ey"),
-                  QStringLiteral("--limit=3"), QStringLiteral("-q"), QStringLiteral("-"), QStringLiteral("--"),
-                  QStringLiteral("-z")}),
+    EXPECT_EQ(options.parse({QStringLiteral("a"), QStringLiteral("-e"), QStringLiteral("x"),
+                  QStringLiteral("-ey"), QStringLiteral("--limit=3"), QStringLiteral("-q"),
+                  QStringLiteral("-"), QStringLiteral("--"), QStringLiteral("-z")}),
         QString());
-    EXPECT_EQ(options.getAll(QStringLiteral("-e")), (QStringList{QStringLiteral("x"), QStringLiteral("y")}));
+    EXPECT_EQ(options.getAll(QStringLiteral("-e")), (QStringList {QStringLiteral("x"), QStringLiteral("y")}));
     EXPECT_EQ(options.get(QStringLiteral("--limit")), QStringLiteral("3"));
     EXPECT_TRUE(options.has(QStringLiteral("--quiet")));
-    EXPECT_EQ(options.getRest(), (QStringList{QStringLiteral("a"), QStringLiteral("-"), QStringLiteral("-z")}));
+    EXPECT_EQ(
+        options.getRest(), (QStringList {QStringLiteral("a"), QStringLiteral("-"), QStringLiteral("-z")}));
 }
 
 TEST(cOptions, RefusesWhatIsNotDeclared)
@@ -45,16 +48,18 @@ TEST(cOptions, RefusesWhatIsNotDeclared)
 
 TEST(cOptions, DescribesThem)
 {
-    EXPECT_EQ(makeOptions().usage(), QStringLiteral("  -e TEXT      the graph\n"
-                                                    "  --limit N    the most frames\n"
-                                                    "  -q, --quiet  silence\n"));
+    EXPECT_EQ(makeOptions().usage(),
+        QStringLiteral("  -e TEXT      the graph\n"
+                       "  --limit N    the most frames\n"
+                       "  -q, --quiet  silence\n"));
 }
 
 TEST(cProgress, TellsRateAndTimeLeft)
 {
     EXPECT_EQ(cProgress::format(0, 0, 10, 0), QStringLiteral("0/10 frames"));
     EXPECT_EQ(cProgress::format(2000, 4, 10, 0), QStringLiteral("4/10 frames, 2.0/s, 3 s left"));
-    EXPECT_EQ(cProgress::format(1000, 1, 100, 2), QStringLiteral("1/100 frames, 1.0/s, 1 min 39 s left, 2 failed"));
+    EXPECT_EQ(
+        cProgress::format(1000, 1, 100, 2), QStringLiteral("1/100 frames, 1.0/s, 1 min 39 s left, 2 failed"));
     EXPECT_EQ(cProgress::format(1000, 1, 10000, 0), QStringLiteral("1/10000 frames, 1.0/s, 2 h 46 min left"));
     EXPECT_EQ(cProgress::format(1000, 10, 10, 0), QStringLiteral("10/10 frames, 10.0/s"));
 }
@@ -86,9 +91,10 @@ TEST(cProgress, IsDrawnOverOnATerminal)
     progress.update(100, 1, 4, 0);
     console.writeLine(QStringLiteral("a line"));
     progress.finish();
-    EXPECT_EQ(output.text(), "\r\033[K1/4 frames, 10.0/s, 1 s left"
-                             "\r\033[Ka line\n1/4 frames, 10.0/s, 1 s left"
-                             "\r\033[K");
+    EXPECT_EQ(output.text(),
+        "\r\033[K1/4 frames, 10.0/s, 1 s left"
+        "\r\033[Ka line\n1/4 frames, 10.0/s, 1 s left"
+        "\r\033[K");
 }
 
 TEST(cProgress, IsALinePerIntervalElsewhere)
@@ -115,33 +121,40 @@ TEST(fateTable, HasTheColumnsInWhichSomethingHappened)
     bad.waiting = 1;
     cFates sent;
     sent.arrived = 100;
-    QList<cPortFates> fates{{QStringLiteral("add0"), QStringLiteral("img1"), false, good},
-        {QStringLiteral("add0"), QStringLiteral("img2"), false, bad}, {QStringLiteral("a"), QStringLiteral("img"), true, sent}};
+    QList<cPortFates> fates {
+        {QStringLiteral("add0"), QStringLiteral("img1"), false, good},
+        {QStringLiteral("add0"), QStringLiteral("img2"), false, bad },
+        {QStringLiteral("a"),    QStringLiteral("img"),  true,  sent}
+    };
     EXPECT_TRUE(host::isAnyUnused(fates));
-    EXPECT_EQ(host::fateTable(fates, true), QStringLiteral("port       arrived     used  refused  waiting\n"
-                                                           "add0.img1       12       12        0        0\n"
-                                                           "add0.img2       12        9        2        1"));
-    EXPECT_EQ(host::fateTable(fates, false), QStringLiteral("port       arrived     used  refused  waiting\n"
-                                                            "add0.img2       12        9        2        1"));
+    EXPECT_EQ(host::fateTable(fates, true),
+        QStringLiteral("port       arrived     used  refused  waiting\n"
+                       "add0.img1       12       12        0        0\n"
+                       "add0.img2       12        9        2        1"));
+    EXPECT_EQ(host::fateTable(fates, false),
+        QStringLiteral("port       arrived     used  refused  waiting\n"
+                       "add0.img2       12        9        2        1"));
     fates.removeAt(1);
     EXPECT_FALSE(host::isAnyUnused(fates));
     fates[1].fates.lost = 1;
     EXPECT_TRUE(host::isAnyUnused(fates));
-    EXPECT_EQ(host::fateTable(fates, true), QStringLiteral("port            arrived     used     lost\n"
-                                                           "add0.img1            12       12        0\n"
-                                                           "a.img (output)      100        -        1"));
+    EXPECT_EQ(host::fateTable(fates, true),
+        QStringLiteral("port            arrived     used     lost\n"
+                       "add0.img1            12       12        0\n"
+                       "a.img (output)      100        -        1"));
 }
 
 TEST(suggestions, NameWhatIsNear)
 {
-    const QStringList names{QStringLiteral("ipp/image/arithmetic/add"), QStringLiteral("ipp/image/arithmetic/abs"),
-        QStringLiteral("host/files")};
+    const QStringList names {QStringLiteral("ipp/image/arithmetic/add"),
+        QStringLiteral("ipp/image/arithmetic/abs"), QStringLiteral("host/files")};
     EXPECT_EQ(host::nearest(QStringLiteral("fiels"), names), QStringLiteral("host/files"));
     EXPECT_EQ(host::nearest(QStringLiteral("FILES"), names), QStringLiteral("host/files"));
     EXPECT_EQ(host::nearest(QStringLiteral("ad"), names), QStringLiteral("ipp/image/arithmetic/add"));
     EXPECT_EQ(host::nearest(QStringLiteral("zzzzzz"), names), QString());
     EXPECT_EQ(host::nearest(QString(100000, u'a'), names), QString());
-    EXPECT_EQ(host::suggest(QStringLiteral("zzzzzz"), {QStringLiteral("a1"), QStringLiteral("b1")}), QStringLiteral("known: a1, b1"));
+    EXPECT_EQ(host::suggest(QStringLiteral("zzzzzz"), {QStringLiteral("a1"), QStringLiteral("b1")}),
+        QStringLiteral("known: a1, b1"));
     EXPECT_EQ(host::suggest(QStringLiteral("x"), {}), QString());
 }
 

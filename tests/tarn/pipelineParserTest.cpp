@@ -56,45 +56,47 @@ void PrintTo(const Accepted& i_row, std::ostream* o_stream) { *o_stream << i_row
 class pipelineParserAccepts : public testing::TestWithParam<Accepted> {};
 
 constexpr Accepted s_accepted[] = {
-    {"Nothing", "", ""},
-    {"OnlyBlanksAndComments", "  # nothing\n\n\t# here\n", ""},
-    {"OneStation", "abs", "abs"},
-    {"FullIdentifier", "ipp/image/arithmetic/abs", "ipp/image/arithmetic/abs"},
-    {"Chain", "files in/*.png ! abs ! save out/{stem}.png", "files(in/*.png) ! abs ! save(out/{stem}.png)"},
-    {"Arguments", "boxFilter maskSize=5,5 name=b", "boxFilter[maskSize=5,5][name=b]"},
-    {"MainParameterAndArguments", "files in repeat=3", "files(in)[repeat=3]"},
-    {"BranchAfterMainParameter", "files a ! threshold otsu=true ! save o.png   b. ! view",
-        "files(a) ! threshold[otsu=true] ! save(o.png) ; @b: ! view"},
-    {"BranchAfterAStationWithoutMainParameter", "files a ! view   b. ! view", "files(a) ! view ; @b: ! view"},
-    {"JoinByPortName", "a. ! d.img1   b. ! d.img2   difference name=d ! save o.png",
-        "@a: ! @d:img1 ; @b: ! @d:img2 ; difference[name=d] ! save(o.png)"},
-    {"ReferenceWithPortAfterArguments", "abs name=x b.img ! view", "abs[name=x] ; @b:img ! view"},
-    {"FileNameThatLooksLikeAPort", "files in.png ! save out.png", "files(in.png) ! save(out.png)"},
-    {"FoldersOfDots", "files . ! save ../o.png", "files(.) ! save(../o.png)"},
-    {"PortParameter", "difference img2.delay=1 AutoRange/Use=true", "difference[img2.delay=1][AutoRange/Use=true]"},
-    {"NodeInASubgraph", "a/b.img ! view", "@a/b:img ! view"},
-    {"EmptyValue", "save prefix= name=x", "save[prefix=][name=x]"},
-    {"ValueWithASignOfEquality", "save path=a=b", "save[path=a=b]"},
-    {"QuotedSignIsNoParameter", "files 'a=b.png'", "files(<a=b.png>)"},
-    {"QuotedBlanks", "files \"my files/a b.png\"", "files(<my files/a b.png>)"},
-    {"QuotedInPart", "files path=\"my files\"/*.png", "files[path=<my files>|/*.png]"},
-    {"Escapes", R"(save "a\"b\\c\$d\ne\tf")", "save(<a\"b\\c$d\ne\tf>)"},
-    {"SingleQuotesKeepEverything", R"(save 'a\n"${x}')", "save(<a\\n\"${x}>)"},
-    {"EmptyQuotes", "save \"\"", "save(<>)"},
-    {"QuotedBangIsAWord", "save '!'", "save(<!>)"},
-    {"Variables", "files ${in}/*.png a=${x}", "files($in|/*.png)[a=$x]"},
-    {"VariableInQuotes", "files \"${in} x\"", "files(<>|$in|< x>)"},
-    {"VariableAsStation", "${op} name=a", "$op[name=a]"},
-    {"DollarAlone", "save $x{stem}$", "save($x{stem}$)"},
-    {"LinesAreChains", "files a name=a\nfiles b name=b\n", "files(a)[name=a] ; files(b)[name=b]"},
-    {"LineEndsWithBang", "files a !\n  abs !\n\n # comment\n save x", "files(a) ! abs ! save(x)"},
-    {"LineStartsWithBang", "files a\n  ! abs # halfway\n # comment\n\n  ! save x", "files(a) ! abs ! save(x)"},
-    {"CommentNeedsABlankBefore", "save colour=#ff0000 # red", "save[colour=#ff0000]"},
-    {"CarriageReturns", "files a\r\nsave b\r\n", "files(a) ; save(b)"},
-    {"Graph", "graph g { in.a ! abs ! out.b }\nfiles x ! g.a", "g{@in:a ! abs ! @out:b} ; files(x) ! @g:a"},
-    {"GraphInAGraph", "graph g {\n graph h {\n abs\n }\n sqr\n}", "g{h{abs} ; sqr}"},
-    {"AStationCalledGraph", "graph name=x", "graph[name=x]"},
-    {"OtherAlphabets", "files \xc3\xa4/\xe6\x97\xa5.png", "files(\xc3\xa4/\xe6\x97\xa5.png)"},
+    {"Nothing",                                 "",                                                           ""                                            },
+    {"OnlyBlanksAndComments",                   "  # nothing\n\n\t# here\n",                                  ""                                            },
+    {"OneStation",                              "abs",                                                        "abs"                                         },
+    {"FullIdentifier",                          "ipp/image/arithmetic/abs",                                   "ipp/image/arithmetic/abs"                    },
+    {"Chain",                                   "files in/*.png ! abs ! save out/{stem}.png",                 "files(in/*.png) ! abs ! save(out/{stem}.png)"},
+    {"Arguments",                               "boxFilter maskSize=5,5 name=b",                              "boxFilter[maskSize=5,5][name=b]"             },
+    {"MainParameterAndArguments",               "files in repeat=3",                                          "files(in)[repeat=3]"                         },
+    {"BranchAfterMainParameter",                "files a ! threshold otsu=true ! save o.png   b. ! view",
+     "files(a) ! threshold[otsu=true] ! save(o.png) ; @b: ! view"                                                                                           },
+    {"BranchAfterAStationWithoutMainParameter", "files a ! view   b. ! view",                                 "files(a) ! view ; @b: ! view"                },
+    {"JoinByPortName",                          "a. ! d.img1   b. ! d.img2   difference name=d ! save o.png",
+     "@a: ! @d:img1 ; @b: ! @d:img2 ; difference[name=d] ! save(o.png)"                                                                                     },
+    {"ReferenceWithPortAfterArguments",         "abs name=x b.img ! view",                                    "abs[name=x] ; @b:img ! view"                 },
+    {"FileNameThatLooksLikeAPort",              "files in.png ! save out.png",                                "files(in.png) ! save(out.png)"               },
+    {"FoldersOfDots",                           "files . ! save ../o.png",                                    "files(.) ! save(../o.png)"                   },
+    {"PortParameter",                           "difference img2.delay=1 AutoRange/Use=true",
+     "difference[img2.delay=1][AutoRange/Use=true]"                                                                                                         },
+    {"NodeInASubgraph",                         "a/b.img ! view",                                             "@a/b:img ! view"                             },
+    {"EmptyValue",                              "save prefix= name=x",                                        "save[prefix=][name=x]"                       },
+    {"ValueWithASignOfEquality",                "save path=a=b",                                              "save[path=a=b]"                              },
+    {"QuotedSignIsNoParameter",                 "files 'a=b.png'",                                            "files(<a=b.png>)"                            },
+    {"QuotedBlanks",                            "files \"my files/a b.png\"",                                 "files(<my files/a b.png>)"                   },
+    {"QuotedInPart",                            "files path=\"my files\"/*.png",                              "files[path=<my files>|/*.png]"               },
+    {"Escapes",                                 R"(save "a\"b\\c\$d\ne\tf")",                                 "save(<a\"b\\c$d\ne\tf>)"                     },
+    {"SingleQuotesKeepEverything",              R"(save 'a\n"${x}')",                                         "save(<a\\n\"${x}>)"                          },
+    {"EmptyQuotes",                             "save \"\"",                                                  "save(<>)"                                    },
+    {"QuotedBangIsAWord",                       "save '!'",                                                   "save(<!>)"                                   },
+    {"Variables",                               "files ${in}/*.png a=${x}",                                   "files($in|/*.png)[a=$x]"                     },
+    {"VariableInQuotes",                        "files \"${in} x\"",                                          "files(<>|$in|< x>)"                          },
+    {"VariableAsStation",                       "${op} name=a",                                               "$op[name=a]"                                 },
+    {"DollarAlone",                             "save $x{stem}$",                                             "save($x{stem}$)"                             },
+    {"LinesAreChains",                          "files a name=a\nfiles b name=b\n",                           "files(a)[name=a] ; files(b)[name=b]"         },
+    {"LineEndsWithBang",                        "files a !\n  abs !\n\n # comment\n save x",                  "files(a) ! abs ! save(x)"                    },
+    {"LineStartsWithBang",                      "files a\n  ! abs # halfway\n # comment\n\n  ! save x",
+     "files(a) ! abs ! save(x)"                                                                                                                             },
+    {"CommentNeedsABlankBefore",                "save colour=#ff0000 # red",                                  "save[colour=#ff0000]"                        },
+    {"CarriageReturns",                         "files a\r\nsave b\r\n",                                      "files(a) ; save(b)"                          },
+    {"Graph",                                   "graph g { in.a ! abs ! out.b }\nfiles x ! g.a",              "g{@in:a ! abs ! @out:b} ; files(x) ! @g:a"   },
+    {"GraphInAGraph",                           "graph g {\n graph h {\n abs\n }\n sqr\n}",                   "g{h{abs} ; sqr}"                             },
+    {"AStationCalledGraph",                     "graph name=x",                                               "graph[name=x]"                               },
+    {"OtherAlphabets",                          "files \xc3\xa4/\xe6\x97\xa5.png",                            "files(\xc3\xa4/\xe6\x97\xa5.png)"            },
 };
 
 TEST_P(pipelineParserAccepts, TheTextMeansThis)
@@ -115,8 +117,8 @@ TEST_P(pipelineParserAccepts, PrintedAndReadAgainItIsTheSame)
     EXPECT_EQ(host::printPipeline(again.pipeline), printed);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Texts, pipelineParserAccepts, testing::ValuesIn(s_accepted), [](const auto& i_row) { return i_row.param.name; });
+INSTANTIATE_TEST_SUITE_P(Texts, pipelineParserAccepts, testing::ValuesIn(s_accepted),
+    [](const auto& i_row) { return i_row.param.name; });
 
 struct Refused {
     const char* name;
@@ -128,50 +130,60 @@ void PrintTo(const Refused& i_row, std::ostream* o_stream) { *o_stream << i_row.
 class pipelineParserRefuses : public testing::TestWithParam<Refused> {};
 
 constexpr Refused s_refused[] = {
-    {"BeginsWithBang", "! abs", "g.tarn:1:1: error: a chain begins with '!', expected a station or a reference before it"},
-    {"EndsWithBang", "files a ! abs !",
-        "g.tarn:1:15: error: expected a station or a reference after '!', found the end of the text"},
-    {"TwoBangs", "files a !\n ! abs", "g.tarn:1:9: error: expected a station or a reference after '!', found '!'"},
-    {"BraceAfterBang", "a ! { b", "g.tarn:1:3: error: expected a station or a reference after '!', found '{'\n"
-                                  "g.tarn:1:5: error: '{' opens nothing, expected 'graph name {'"},
-    {"BangWithoutBlanks", "abs! save x", "g.tarn:1:1: error: expected a station, a reference 'name.' or 'name.port', or "
-                                         "'!', found 'abs!'\n  help: put blanks round '!'"},
-    {"StrayWord", "files a b.* ! abs", "g.tarn:1:9: error: expected a station, a reference 'name.' or 'name.port', or "
-                                       "'!', found 'b.*'"},
+    {"BeginsWithBang",          "! abs",
+     "g.tarn:1:1: error: a chain begins with '!', expected a station or a reference before it"                                                        },
+    {"EndsWithBang",            "files a ! abs !",
+     "g.tarn:1:15: error: expected a station or a reference after '!', found the end of the text"                                                     },
+    {"TwoBangs",                "files a !\n ! abs",
+     "g.tarn:1:9: error: expected a station or a reference after '!', found '!'"                                                                      },
+    {"BraceAfterBang",          "a ! { b",
+     "g.tarn:1:3: error: expected a station or a reference after '!', found '{'\n"
+        "g.tarn:1:5: error: '{' opens nothing, expected 'graph name {'"                                                                               },
+    {"BangWithoutBlanks",       "abs! save x",
+     "g.tarn:1:1: error: expected a station, a reference 'name.' or 'name.port', or "
+        "'!', found 'abs!'\n  help: put blanks round '!'"                                                                                             },
+    {"StrayWord",               "files a b.* ! abs",
+     "g.tarn:1:9: error: expected a station, a reference 'name.' or 'name.port', or "
+        "'!', found 'b.*'"                                                                                                                            },
     {"ParameterWithoutStation", "files a\n path=x",
-        "g.tarn:2:2: error: a parameter needs its station before it on the same line, found 'path=x'"},
-    {"ParameterOfAReference", "abs name=a\na. x=1 ! view",
-        "g.tarn:2:4: error: a reference takes no parameters, found 'x=1' after 'a.'\n"
-        "  help: write the parameter where the station is named"},
-    {"ParameterTwice", "abs a=1 b=2 a=3", "g.tarn:1:13: error: abs: 'a' is given twice"},
-    {"LoneReference", "abs name=a\n  a.img",
-        "g.tarn:2:3: error: 'a.img' stands alone, expected '!' and what it is linked with"},
-    {"ReferenceInside", "abs ! a.img ! view",
-        "g.tarn:1:7: error: 'a.img' stands inside a chain, a reference begins or ends one\n"
-        "  help: end the chain here and begin another with 'a.'"},
-    {"OpenDoubleQuotes", "files \"a b\nabs",
-        "g.tarn:1:7: error: a text in quotes is not closed, expected \" before the end of the line"},
-    {"OpenSingleQuotes", "files 'a b", "g.tarn:1:7: error: a text in quotes is not closed, expected ' before the end of "
-                                       "the line"},
-    {"BackslashAtTheEnd", "files \"a\\",
-        "g.tarn:1:7: error: a text in quotes is not closed, expected \" before the end of the line"},
-    {"UnknownEscape", R"(files "a\qb")",
-        "g.tarn:1:9: error: unknown escape, expected \\\", \\\\, \\$, \\n or \\t, found \\q\n"
-        "  help: write \\\\ for a backslash, or use '...', where nothing is special"},
-    {"OpenVariable", "files ${in", "g.tarn:1:7: error: bad variable, expected ${name} of letters, digits and '_'\n"
-                                   "  help: write '${' in single quotes if it is meant as it stands"},
-    {"NumberAsVariable", "files ${1}x", "g.tarn:1:7: error: bad variable, expected ${name} of letters, digits and '_'\n"
-                                        "  help: write '${' in single quotes if it is meant as it stands"},
-    {"ControlCharacter", "abs \x01", "g.tarn:1:5: error: a graph is text, found the control character 0x01"},
-    {"CloseWithoutOpen", "abs }", "g.tarn:1:5: error: '}' closes nothing, expected 'graph name {' before it"},
-    {"GraphNotClosed", "graph g {\nabs", "g.tarn:1:7: error: g: the graph is not closed, expected '}' before the end"},
-    {"GraphWithABadName", "graph a/b { abs }",
-        "g.tarn:1:7: error: a graph's name is of letters, digits, '_' and '-', found 'a/b'"},
-    {"ColumnsCountCharacters", "files '\xf0\x9f\x98\x80\xc3\xa4' x=1 x=2", "g.tarn:1:16: error: files: 'x' is given twice"},
-    {"SeveralErrorsInOrder", "! abs\nx=1\nabs !",
-        "g.tarn:1:1: error: a chain begins with '!', expected a station or a reference before it\n"
+     "g.tarn:2:2: error: a parameter needs its station before it on the same line, found 'path=x'"                                                    },
+    {"ParameterOfAReference",   "abs name=a\na. x=1 ! view",
+     "g.tarn:2:4: error: a reference takes no parameters, found 'x=1' after 'a.'\n"
+        "  help: write the parameter where the station is named"                                                                                      },
+    {"ParameterTwice",          "abs a=1 b=2 a=3",                          "g.tarn:1:13: error: abs: 'a' is given twice"                             },
+    {"LoneReference",           "abs name=a\n  a.img",
+     "g.tarn:2:3: error: 'a.img' stands alone, expected '!' and what it is linked with"                                                               },
+    {"ReferenceInside",         "abs ! a.img ! view",
+     "g.tarn:1:7: error: 'a.img' stands inside a chain, a reference begins or ends one\n"
+        "  help: end the chain here and begin another with 'a.'"                                                                                      },
+    {"OpenDoubleQuotes",        "files \"a b\nabs",
+     "g.tarn:1:7: error: a text in quotes is not closed, expected \" before the end of the line"                                                      },
+    {"OpenSingleQuotes",        "files 'a b",
+     "g.tarn:1:7: error: a text in quotes is not closed, expected ' before the end of "
+        "the line"                                                                                                                                    },
+    {"BackslashAtTheEnd",       "files \"a\\",
+     "g.tarn:1:7: error: a text in quotes is not closed, expected \" before the end of the line"                                                      },
+    {"UnknownEscape",           R"(files "a\qb")",
+     "g.tarn:1:9: error: unknown escape, expected \\\", \\\\, \\$, \\n or \\t, found \\q\n"
+        "  help: write \\\\ for a backslash, or use '...', where nothing is special"                                                                  },
+    {"OpenVariable",            "files ${in",
+     "g.tarn:1:7: error: bad variable, expected ${name} of letters, digits and '_'\n"
+        "  help: write '${' in single quotes if it is meant as it stands"                                                                             },
+    {"NumberAsVariable",        "files ${1}x",
+     "g.tarn:1:7: error: bad variable, expected ${name} of letters, digits and '_'\n"
+        "  help: write '${' in single quotes if it is meant as it stands"                                                                             },
+    {"ControlCharacter",        "abs \x01",                                 "g.tarn:1:5: error: a graph is text, found the control character 0x01"    },
+    {"CloseWithoutOpen",        "abs }",                                    "g.tarn:1:5: error: '}' closes nothing, expected 'graph name {' before it"},
+    {"GraphNotClosed",          "graph g {\nabs",
+     "g.tarn:1:7: error: g: the graph is not closed, expected '}' before the end"                                                                     },
+    {"GraphWithABadName",       "graph a/b { abs }",
+     "g.tarn:1:7: error: a graph's name is of letters, digits, '_' and '-', found 'a/b'"                                                              },
+    {"ColumnsCountCharacters",  "files '\xf0\x9f\x98\x80\xc3\xa4' x=1 x=2",
+     "g.tarn:1:16: error: files: 'x' is given twice"                                                                                                  },
+    {"SeveralErrorsInOrder",    "! abs\nx=1\nabs !",
+     "g.tarn:1:1: error: a chain begins with '!', expected a station or a reference before it\n"
         "g.tarn:2:1: error: a parameter needs its station before it on the same line, found 'x=1'\n"
-        "g.tarn:3:5: error: expected a station or a reference after '!', found the end of the text"},
+        "g.tarn:3:5: error: expected a station or a reference after '!', found the end of the text"                                                   },
 };
 
 TEST_P(pipelineParserRefuses, WithPlaceTextAndHelp)
@@ -182,8 +194,8 @@ TEST_P(pipelineParserRefuses, WithPlaceTextAndHelp)
     EXPECT_EQ(errors.join(u'\n').toStdString(), GetParam().errors);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Texts, pipelineParserRefuses, testing::ValuesIn(s_refused), [](const auto& i_row) { return i_row.param.name; });
+INSTANTIATE_TEST_SUITE_P(Texts, pipelineParserRefuses, testing::ValuesIn(s_refused),
+    [](const auto& i_row) { return i_row.param.name; });
 
 TEST(pipelineParser, KnowsTheColumnOfEveryPart)
 {
@@ -208,12 +220,14 @@ TEST(pipelineParser, GraphsNestSixteenDeepAndNoDeeper)
     EXPECT_TRUE(host::parsePipeline(nested(16), QStringLiteral("g")).errors.isEmpty());
     const cParsedPipeline parsed = host::parsePipeline(nested(100000), QStringLiteral("g"));
     ASSERT_FALSE(parsed.errors.isEmpty());
-    EXPECT_EQ(parsed.errors.last().toString(), QStringLiteral("g:17:7: error: g: graphs are nested deeper than 16"));
+    EXPECT_EQ(parsed.errors.last().toString(),
+        QStringLiteral("g:17:7: error: g: graphs are nested deeper than 16"));
 }
 
 TEST(pipelineParser, ManyErrorsAreCutToFifty)
 {
-    EXPECT_EQ(host::parsePipeline(QStringLiteral("x=1\n").repeated(1000), QStringLiteral("g")).errors.size(), 50);
+    EXPECT_EQ(
+        host::parsePipeline(QStringLiteral("x=1\n").repeated(1000), QStringLiteral("g")).errors.size(), 50);
 }
 
 } // namespace

@@ -15,8 +15,10 @@ struct Node : cStation {
 class SubgraphTest : public testing::Test {
 protected:
     SubgraphTest()
-        : source(addTo(graph, "source", new Node())), inner(*graph.addGraph("sub"_q)),
-          adder(addTo(inner, "add", new AddStation())), end(addTo(graph, "end", new Collector<double>()))
+        : source(addTo(graph, "source", new Node())),
+          inner(*graph.addGraph("sub"_q)),
+          adder(addTo(inner, "add", new AddStation())),
+          end(addTo(graph, "end", new Collector<double>()))
     {
         adder.summand = 100;
     }

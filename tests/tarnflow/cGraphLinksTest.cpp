@@ -9,7 +9,10 @@ namespace {
 /** Text of numbers, to be linked with a port for numbers. */
 struct Words {
     QString text;
-    friend QTextStream& operator<<(QTextStream& io_stream, const Words& i_words) { return io_stream << i_words.text; }
+    friend QTextStream& operator<<(QTextStream& io_stream, const Words& i_words)
+    {
+        return io_stream << i_words.text;
+    }
 };
 } // namespace
 
@@ -38,7 +41,8 @@ class MixedStation : public cStation {
 public:
     MixedStation()
         : group(this, &MixedStation::process, QStringLiteral("number"), QStringLiteral("count")),
-          whole(this, QStringLiteral("whole"), 5), broken(this, QStringLiteral("broken"), 5)
+          whole(this, QStringLiteral("whole"), 5),
+          broken(this, QStringLiteral("broken"), 5)
     {
     }
     cPortGroup<double, int> group;
@@ -53,7 +57,10 @@ private:
 class PickyPort : public cIPort<double> {
 public:
     using cIPort<double>::cIPort;
-    bool checkStaticData(const cPortBase* i_other) override { return i_other->getName() == QLatin1String("right"); }
+    bool checkStaticData(const cPortBase* i_other) override
+    {
+        return i_other->getName() == QLatin1String("right");
+    }
 };
 } // namespace
 

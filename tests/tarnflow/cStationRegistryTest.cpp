@@ -5,17 +5,19 @@
 #include <tarnflow/cStationRegistration.h>
 
 namespace {
-const cStationRegistration<AddStation> s_add("test/numbers/plus", {.summary = "Adds a number.",
-                                                     .params = {{"summand", "what is added"}},
-                                                     .notes = {"it adds"}});
-const cStationRegistration<SubtractStation> s_subtract("test/numbers/minus", {.summary = "The difference.", .params = {}, .notes = {}});
-const cStationRegistration<SubtractStation> s_other("test/other/minus", {.summary = "The same again.", .params = {}, .notes = {}});
+const cStationRegistration<AddStation> s_add("test/numbers/plus",
+    {.summary = "Adds a number.", .params = {{"summand", "what is added"}}, .notes = {"it adds"}});
+const cStationRegistration<SubtractStation> s_subtract(
+    "test/numbers/minus", {.summary = "The difference.", .params = {}, .notes = {}});
+const cStationRegistration<SubtractStation> s_other(
+    "test/other/minus", {.summary = "The same again.", .params = {}, .notes = {}});
 
 class BrokenStation : public cStation {
 public:
     BrokenStation() { throw std::runtime_error("no device"); }
 };
-const cStationRegistration<BrokenStation> s_broken("test/broken", {.summary = "Cannot be made.", .params = {}, .notes = {}});
+const cStationRegistration<BrokenStation> s_broken(
+    "test/broken", {.summary = "Cannot be made.", .params = {}, .notes = {}});
 
 cStation* makeNothing() { return nullptr; }
 } // namespace
@@ -62,7 +64,8 @@ TEST(cStationRegistry, ResolvesWholeLastPartsOfAPath)
     EXPECT_EQ(cStation::resolveIdentifier("test/numbers/plus"_q), QStringList {"test/numbers/plus"_q});
     EXPECT_EQ(cStation::resolveIdentifier("lus"_q), QStringList());
     EXPECT_EQ(cStation::resolveIdentifier(QString()), QStringList());
-    EXPECT_EQ(cStation::resolveIdentifier("minus"_q), (QStringList {"test/numbers/minus"_q, "test/other/minus"_q}));
+    EXPECT_EQ(
+        cStation::resolveIdentifier("minus"_q), (QStringList {"test/numbers/minus"_q, "test/other/minus"_q}));
 }
 
 TEST(cStationRegistry, KeepsWhatWasSaidOfAStation)

@@ -40,8 +40,7 @@ TEST_F(JobTest, RunInTheOrderOfTheirStamps)
     add(4, 10);
     add(5, 10);
     EXPECT_EQ(station.getQueuedJobCount(), 5);
-    while (station.runNextJob()) {
-    }
+    while (station.runNextJob()) {}
     EXPECT_EQ(done, (std::vector<int> {2, 4, 5, 3, 1}));
 }
 
@@ -328,12 +327,18 @@ TEST(cSourceStation, AnnouncesItsEnd)
     std::vector<std::pair<qint64, bool>> notices;
     cIPort<double> tap;
     tap.setDirectCallback([](cBufferT<double>*) {});
-    tap.m_finishCallback = [&](const cBufferStamp& stamp, bool idle) { notices.emplace_back(stamp.getStamp(), idle); };
+    tap.m_finishCallback
+        = [&](const cBufferStamp& stamp, bool idle) { notices.emplace_back(stamp.getStamp(), idle); };
     ASSERT_TRUE(graph.link(graph.findNode("n"_q)->getOutport("out"_q), &tap));
     ASSERT_TRUE(graph.launch());
     EXPECT_EQ(graph.waitForFlow(s_patience), cGraph::EFlow::Drained);
     graph.stop();
-    EXPECT_EQ(notices, (std::vector<std::pair<qint64, bool>> {{1, false}, {2, false}, {2, true}}));
+    EXPECT_EQ(notices,
+        (std::vector<std::pair<qint64, bool>> {
+            {1, false},
+            {2, false},
+            {2, true }
+    }));
 }
 
 TEST(cStepScope, TellsWhatBecameOfAStep)
@@ -377,8 +382,7 @@ TEST(cThreadWatch, MeasuresTheTimeOfItsThread)
     std::thread other([] {
         cThreadWatch busy;
         busy.start();
-        while (busy.elapsed() < 20000000) {
-        }
+        while (busy.elapsed() < 20000000) {}
     });
     other.join();
     EXPECT_LT(watch.elapsed() - before, 20000000);

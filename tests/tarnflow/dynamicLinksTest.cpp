@@ -11,7 +11,8 @@ constexpr int s_patience = 30000;
 class RunningGraph : public testing::Test {
 protected:
     RunningGraph()
-        : source(addTo(graph, "n", new NumberSource(1000000000))), end(addTo(graph, "end", new Collector<double>()))
+        : source(addTo(graph, "n", new NumberSource(1000000000))),
+          end(addTo(graph, "end", new Collector<double>()))
     {
         EXPECT_TRUE(graph.link("n"_q, "end"_q));
     }

@@ -15,7 +15,8 @@
 class NumberSource : public cSourceStation {
 public:
     explicit NumberSource(int i_count = 0, unsigned int i_poolSize = 5)
-        : count(i_count), out(this, QStringLiteral("out"), i_poolSize)
+        : count(i_count),
+          out(this, QStringLiteral("out"), i_poolSize)
     {
         m_params.setSubObject(new cDataRefObj<int>(count), QStringLiteral("count"), true);
     }
@@ -50,7 +51,8 @@ private:
 class AddStation : public cStation {
 public:
     explicit AddStation(unsigned int i_poolSize = 5)
-        : group(this, &AddStation::process, QStringLiteral("in")), out(this, QStringLiteral("out"), i_poolSize)
+        : group(this, &AddStation::process, QStringLiteral("in")),
+          out(this, QStringLiteral("out"), i_poolSize)
     {
         m_params.setSubObject(new cDataRefObj<double>(summand), QStringLiteral("summand"), true);
     }
@@ -88,7 +90,11 @@ private:
 /** Takes whole numbers. */
 class IntStation : public cStation {
 public:
-    IntStation() : group(this, &IntStation::process, QStringLiteral("in")), out(this, QStringLiteral("out"), 5) {}
+    IntStation()
+        : group(this, &IntStation::process, QStringLiteral("in")),
+          out(this, QStringLiteral("out"), 5)
+    {
+    }
     cPortGroup<int> group;
     cOPort<int> out;
 

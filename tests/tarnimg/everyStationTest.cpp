@@ -50,8 +50,10 @@ QString describe(const cIPortBase* i_port)
     if (const auto* image = dynamic_cast<const cIPort<cImg>*>(i_port)) {
         QStringList types;
         for (const auto& [type, channels] : image->getSupportedTypes())
-            types.append(QStringLiteral("%1/%2").arg(
-                QString::fromLatin1(QMetaEnum::fromType<cImgType::ImageTypes>().valueToKey(type))).arg(channels));
+            types.append(
+                QStringLiteral("%1/%2")
+                    .arg(QString::fromLatin1(QMetaEnum::fromType<cImgType::ImageTypes>().valueToKey(type)))
+                    .arg(channels));
         text += QStringLiteral("[%1]").arg(types.join(QLatin1Char(',')));
     }
     return text;
@@ -114,8 +116,10 @@ TEST(everyStation, SaysWhatItIsForAndExplainsEachOfItsParameters)
         const cMapObj& params = station->getParams();
         EXPECT_EQ(unsigned(info.params.size()), params.getNumEntries()) << identifier.toStdString();
         for (const cStationInfo::Param& param : info.params) {
-            EXPECT_TRUE(params.contains(param.key)) << identifier.toStdString() << ": " << param.key.toStdString();
-            EXPECT_FALSE(param.meaning.isEmpty()) << identifier.toStdString() << ": " << param.key.toStdString();
+            EXPECT_TRUE(params.contains(param.key))
+                << identifier.toStdString() << ": " << param.key.toStdString();
+            EXPECT_FALSE(param.meaning.isEmpty())
+                << identifier.toStdString() << ": " << param.key.toStdString();
         }
     }
 }
@@ -126,8 +130,10 @@ TEST(everyStation, HasADelayOnEachInputOfItsGroup)
         const std::unique_ptr<cStation> station(cStation::create(identifier));
         for (cPortGroupBase* group : station->getPortGroups()) {
             for (cIPortBase* port : group->getPorts()) {
-                EXPECT_EQ(port->getParams().getSubObject(QStringLiteral("delay"))->toText(), QStringLiteral("0"));
-                EXPECT_EQ(port->getDefaultParams().getSubObject(QStringLiteral("delay"))->toText(), QStringLiteral("0"));
+                EXPECT_EQ(
+                    port->getParams().getSubObject(QStringLiteral("delay"))->toText(), QStringLiteral("0"));
+                EXPECT_EQ(port->getDefaultParams().getSubObject(QStringLiteral("delay"))->toText(),
+                    QStringLiteral("0"));
             }
         }
     }

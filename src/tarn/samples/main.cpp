@@ -1,4 +1,5 @@
-// Draws the sample pictures: a series of grey frames, raw frames of a sensor with its dark and flat frames, and colour.
+// Draws the sample pictures: a series of grey frames, raw frames of a sensor with its dark and flat frames,
+// and colour.
 
 #include "scene.h"
 
@@ -24,20 +25,14 @@ bool save(const QImage& i_image, const QString& i_folder, const QString& i_name)
 }
 
 /** The tone curve of a camera: the linear light's square root, nearly. */
-double tone(double i_light)
-{
-    return std::pow(std::clamp(i_light, 0.0, 1.0), 1 / 1.9);
-}
+double tone(double i_light) { return std::pow(std::clamp(i_light, 0.0, 1.0), 1 / 1.9); }
 
 double noisy(double i_value, double i_sigma, int i_x, int i_y, unsigned i_seed)
 {
     return i_value + i_sigma * normalNoise(i_x, i_y, i_seed);
 }
 
-uchar toByte(double i_value)
-{
-    return uchar(std::clamp(std::lround(i_value), 0l, 255l));
-}
+uchar toByte(double i_value) { return uchar(std::clamp(std::lround(i_value), 0l, 255l)); }
 
 QImage greyFrame(int i_width, int i_height, int i_frame)
 {
@@ -60,14 +55,14 @@ QImage colourFrame(int i_width, int i_height, int i_frame)
             const Light light = scene.at(x, y) * (0.45 + 0.75 * scene.lampAt(x, y));
             const double channels[] = {light.r, light.g, light.b};
             for (int c = 0; c < 3; ++c)
-                image.scanLine(y)[3 * x + c]
-                    = toByte(noisy(255 * tone(channels[c]), 0.6, x, y, 300 + 3 * unsigned(i_frame) + unsigned(c)));
+                image.scanLine(y)[3 * x + c] = toByte(
+                    noisy(255 * tone(channels[c]), 0.6, x, y, 300 + 3 * unsigned(i_frame) + unsigned(c)));
         }
     return image;
 }
 
-// The raw sensor counts 0 to 1023 in 16 bits. It is linear, starts at an offset that differs from column to column, has a
-// few hot pixels, and dust on its window; all of that is in the dark and the flat frame too.
+// The raw sensor counts 0 to 1023 in 16 bits. It is linear, starts at an offset that differs from column to
+// column, has a few hot pixels, and dust on its window; all of that is in the dark and the flat frame too.
 constexpr double s_mostCounts = 1023;
 
 double offsetOf(int i_x, int i_y)
@@ -88,13 +83,15 @@ double dustAt(int i_x, int i_y, int i_width, int i_height)
     return clear;
 }
 
-QImage rawFrame(int i_width, int i_height, double i_noise, unsigned i_seed, const std::function<double(int, int)>& i_counts)
+QImage rawFrame(int i_width, int i_height, double i_noise, unsigned i_seed,
+    const std::function<double(int, int)>& i_counts)
 {
     QImage image(i_width, i_height, QImage::Format_Grayscale16);
     for (int y = 0; y < i_height; ++y)
         for (int x = 0; x < i_width; ++x) {
             const double value = noisy(offsetOf(x, y) + i_counts(x, y), i_noise, x, y, i_seed);
-            reinterpret_cast<quint16*>(image.scanLine(y))[x] = quint16(std::clamp(std::round(value), 0.0, s_mostCounts));
+            reinterpret_cast<quint16*>(image.scanLine(y))[x]
+                = quint16(std::clamp(std::round(value), 0.0, s_mostCounts));
         }
     return image;
 }
@@ -120,11 +117,10 @@ bool drawRaw(const QString& i_folder, int i_frames)
         && save(level(width, height, 64), i_folder, QStringLiteral("gain.png"));
     for (int i = 0; good && i < i_frames; ++i) {
         const Scene scene(width, height, i * 2);
-        const auto light = [&](int x, int y) {
-            return 780 * shading(x, y) * tone(scene.at(x, y).luminance());
-        };
-        good = save(rawFrame(width, height, 1.2, 510 + unsigned(i), light), i_folder + QStringLiteral("/frames"),
-            QStringLiteral("raw_%1.png").arg(i, 2, 10, QChar(u'0')));
+        const auto light
+            = [&](int x, int y) { return 780 * shading(x, y) * tone(scene.at(x, y).luminance()); };
+        good = save(rawFrame(width, height, 1.2, 510 + unsigned(i), light),
+            i_folder + QStringLiteral("/frames"), QStringLiteral("raw_%1.png").arg(i, 2, 10, QChar(u'0')));
     }
     return good;
 }

@@ -17,8 +17,9 @@ struct Point {
 };
 
 /**
- * Machine parts on a moving belt, seen from above: gears, nuts, bolts, washers and plates of turned and brushed metal, lit
- * from the upper left. Between two guide rails the belt carries them to the right; two meshing gears turn in their places.
+ * Machine parts on a moving belt, seen from above: gears, nuts, bolts, washers and plates of turned and
+ * brushed metal, lit from the upper left. Between two guide rails the belt carries them to the right; two
+ * meshing gears turn in their places.
  *
  * Everything follows from the size, the time and the seed: the same arguments give the same picture.
  */

@@ -13,9 +13,6 @@ bool prepare(cImg& io_sum, const cImg& i_input)
     return true;
 }
 
-void clear(cImg& io_sum)
-{
-    io_sum.getImgType().fill(io_sum, QVariant(0.0f));
-}
+void clear(cImg& io_sum) { io_sum.getImgType().fill(io_sum, QVariant(0.0f)); }
 
 } // namespace accumulator

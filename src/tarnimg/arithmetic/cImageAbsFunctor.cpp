@@ -18,7 +18,7 @@ struct Variant {
 };
 
 constexpr Variant s_variants[] = {
-    {cImgType::SInt16, 1, frame::Unary<ippiAbs_16s_C1R>::call},
+    {cImgType::SInt16,  1, frame::Unary<ippiAbs_16s_C1R>::call},
     {cImgType::Float32, 1, frame::Unary<ippiAbs_32f_C1R>::call},
 };
 
@@ -39,8 +39,7 @@ cImg cImageAbsFunctor::operator()(const cImg& i_image) const
     return result;
 }
 
-class cImageAbsStation : public cFunctorStationT<cImageAbsFunctor, cImg, cImg, void> {
-};
+class cImageAbsStation : public cFunctorStationT<cImageAbsFunctor, cImg, cImg, void> {};
 
 static const cStationRegistration<cImageAbsStation> s_registration("ipp/image/arithmetic/abs",
     {"Absolute value of each pixel.", {}, {"Takes signed types only: unsigned images are refused."}});

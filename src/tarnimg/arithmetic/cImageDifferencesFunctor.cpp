@@ -13,10 +13,10 @@ using frame::Binary;
 constexpr char s_operator[] = "cImageDifferencesFunctor::operator ()";
 
 constexpr twoImages::Variant s_variants[] = {
-    {cImgType::UInt8, 1, Binary<ippiAbsDiff_8u_C1R>::call},
-    {cImgType::UInt16, 1, Binary<ippiAbsDiff_16u_C1R>::call},
+    {cImgType::UInt8,   1, Binary<ippiAbsDiff_8u_C1R>::call },
+    {cImgType::UInt16,  1, Binary<ippiAbsDiff_16u_C1R>::call},
     {cImgType::Float32, 1, Binary<ippiAbsDiff_32f_C1R>::call},
-    {cImgType::RGB24, 3, Binary<ippiAbsDiff_8u_C3R>::call},
+    {cImgType::RGB24,   3, Binary<ippiAbsDiff_8u_C3R>::call },
 };
 
 } // namespace
@@ -32,8 +32,7 @@ cImg cImageDifferencesFunctor::operator()(const cImg& i_a, const cImg& i_b) cons
     return twoImages::combine(*this, s_variants, i_a, i_b, s_operator);
 }
 
-class cImageDifferencesStation : public cFunctorStationT<cImageDifferencesFunctor, cImg, cImg, cImg> {
-};
+class cImageDifferencesStation : public cFunctorStationT<cImageDifferencesFunctor, cImg, cImg, cImg> {};
 
-static const cStationRegistration<cImageDifferencesStation> s_registration("ipp/image/arithmetic/difference",
-    {"Absolute difference of two images, |img1 - img2|.", {}, {}});
+static const cStationRegistration<cImageDifferencesStation> s_registration(
+    "ipp/image/arithmetic/difference", {"Absolute difference of two images, |img1 - img2|.", {}, {}});

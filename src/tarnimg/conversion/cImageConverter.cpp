@@ -16,11 +16,11 @@ namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// ---- The definition --------------------------------------------------------------------------------------------
+// ---- The definition
+// --------------------------------------------------------------------------------------------
 
 /** Every value of the element types here is exact in a double. */
-template <class D64, class S>
-HWY_INLINE hn::Vec<D64> loadAsDouble(D64 d, const S* i_source)
+template <class D64, class S> HWY_INLINE hn::Vec<D64> loadAsDouble(D64 d, const S* i_source)
 {
     const hn::Rebind<S, D64> ds;
     const hn::Rebind<std::int32_t, D64> d32;
@@ -55,19 +55,17 @@ HWY_INLINE hn::Vec<D64> loadLimited(D64 d, const S* i_source, const LinearMap& i
 }
 
 /** Subtracts, multiplies, adds: three roundings, never a fused one. */
-template <class D64, class V>
-HWY_INLINE V mapped(D64 d, V v, const LinearMap& i_map)
+template <class D64, class V> HWY_INLINE V mapped(D64 d, V v, const LinearMap& i_map)
 {
     const V product = hn::Mul(hn::Sub(v, hn::Set(d, i_map.low)), hn::Set(d, i_map.factor));
     return hn::Add(product, hn::Set(d, i_map.offset));
 }
 
 /**
- * Halves go upwards for all signs. Negative values are moved up to 0.5 to 2 first, where one more rounding can occur
- * than in floor(w + 0.5): the two differ next to a half.
+ * Halves go upwards for all signs. Negative values are moved up to 0.5 to 2 first, where one more rounding
+ * can occur than in floor(w + 0.5): the two differ next to a half.
  */
-template <class D64, class V>
-HWY_INLINE V rounded(D64 d, V w)
+template <class D64, class V> HWY_INLINE V rounded(D64 d, V w)
 {
     const V half = hn::Set(d, 0.5);
     const V below = hn::Trunc(hn::Sub(w, hn::Set(d, 1.0)));
@@ -76,8 +74,7 @@ HWY_INLINE V rounded(D64 d, V w)
 }
 
 /** The low 32 bits of whole numbers; 0 for what is not finite. */
-template <class D64, class V>
-HWY_INLINE auto lowBits(D64 d, V r)
+template <class D64, class V> HWY_INLINE auto lowBits(D64 d, V r)
 {
     const V two32 = hn::Set(d, 0x1p32);
     const V times = hn::Floor(hn::Mul(r, hn::Set(d, 0x1p-32)));
@@ -89,8 +86,7 @@ HWY_INLINE auto lowBits(D64 d, V r)
 }
 
 /** Stores the low bits. */
-template <class T, class D64, class V32>
-HWY_INLINE void storeBits(D64, V32 bits, T* o_target)
+template <class T, class D64, class V32> HWY_INLINE void storeBits(D64, V32 bits, T* o_target)
 {
     using U = std::make_unsigned_t<T>;
     const hn::Rebind<U, D64> du;
@@ -115,11 +111,12 @@ HWY_INLINE void convertByDefinition(D64 d, const S* i_source, T* o_target, const
     }
 }
 
-// ---- The guess -------------------------------------------------------------------------------------------------
+// ---- The guess
+// -------------------------------------------------------------------------------------------------
 
 /**
- * The elements mapped by one multiplication and addition whose constant is so large that the double's low bits are a
- * number with a fixed point; see LinearMap::guess.
+ * The elements mapped by one multiplication and addition whose constant is so large that the double's low
+ * bits are a number with a fixed point; see LinearMap::guess.
  */
 template <class D64, class S>
 HWY_INLINE hn::Vec<D64> guessed(D64 d, const S* i_source, const LinearMap& i_map)
@@ -163,7 +160,8 @@ HWY_INLINE void convertPair(D64 d, const S* i_source, T* o_target, const LinearM
     if constexpr (sizeof(T) == 4) {
         bits0 = hn::ShiftRight<LinearMap::fractionBits<T>>(bits0);
         bits1 = hn::ShiftRight<LinearMap::fractionBits<T>>(bits1);
-        hn::StoreU(hn::BitCast(dt, hn::ConcatEven(d32, hn::BitCast(d32, bits1), hn::BitCast(d32, bits0))), dt, o_target);
+        hn::StoreU(hn::BitCast(dt, hn::ConcatEven(d32, hn::BitCast(d32, bits1), hn::BitCast(d32, bits0))), dt,
+            o_target);
     } else {
         static_assert(LinearMap::fractionBits<T> == 32);
         const auto whole = hn::ConcatOdd(d32, hn::BitCast(d32, bits1), hn::BitCast(d32, bits0));
@@ -172,7 +170,8 @@ HWY_INLINE void convertPair(D64 d, const S* i_source, T* o_target, const LinearM
     }
 }
 
-// ---- Lanes of 16 bits ------------------------------------------------------------------------------------------
+// ---- Lanes of 16 bits
+// ------------------------------------------------------------------------------------------
 
 template <class D16, class S>
 HWY_INLINE hn::Vec<D16> loadLimited16(D16 d, const S* i_source, const LinearMap& i_map)
@@ -197,14 +196,15 @@ HWY_INLINE void convertFixed(D16 d, const S* i_source, T* o_target, const Linear
     const auto v = hn::Sub(loadLimited16(d, i_source, i_map), hn::Set(d, fixed.subtrahend));
     const auto upper = hn::Set(d, fixed.upper);
     const auto whole = hn::Add(hn::MulHigh(v, upper), hn::Mul(v, hn::Set(d, fixed.whole)));
-    // The mean of two fractions of 2^-16 is their sum in units of 2^-15; one more shift makes room for the start.
+    // The mean of two fractions of 2^-16 is their sum in units of 2^-15; one more shift makes room for the
+    // start.
     const auto fraction = hn::AverageRound(hn::Mul(v, upper), hn::MulHigh(v, hn::Set(d, fixed.lower)));
     const auto rest = hn::Add(hn::ShiftRight<1>(fraction), hn::Set(d, fixed.start));
-    const auto result
-        = hn::Add(hn::Add(whole, hn::ShiftRight<14>(rest)), hn::Set(d, fixed.base));
+    const auto result = hn::Add(hn::Add(whole, hn::ShiftRight<14>(rest)), hn::Set(d, fixed.base));
 
     // Within two units of 2^-14 of a whole number, the sum may belong to its other side.
-    const auto place = hn::And(hn::Add(rest, hn::Set(d, std::uint16_t(2))), hn::Set(d, std::uint16_t(0x3FFC)));
+    const auto place
+        = hn::And(hn::Add(rest, hn::Set(d, std::uint16_t(2))), hn::Set(d, std::uint16_t(0x3FFC)));
     if (HWY_LIKELY(hn::AllFalse(d, hn::Eq(place, hn::Zero(d))))) {
         const hn::Rebind<T, D16> dt;
         if constexpr (sizeof(T) == 2)
@@ -219,7 +219,8 @@ HWY_INLINE void convertFixed(D16 d, const S* i_source, T* o_target, const Linear
     }
 }
 
-// ---- Rows ------------------------------------------------------------------------------------------------------
+// ---- Rows
+// ------------------------------------------------------------------------------------------------------
 
 template <class S, class T>
 void convertRow(const S* i_source, T* o_target, std::size_t i_count, const LinearMap& i_map)
@@ -246,8 +247,7 @@ void convertRow(const S* i_source, T* o_target, std::size_t i_count, const Linea
         convertByDefinition(one, i_source + x, o_target + x, map);
 }
 
-template <class S>
-constexpr ConvertersFrom<S> convertersFrom()
+template <class S> constexpr ConvertersFrom<S> convertersFrom()
 {
     return {convertRow<S, quint8>, convertRow<S, quint16>, convertRow<S, quint32>, convertRow<S, qint8>,
         convertRow<S, qint16>, convertRow<S, qint32>, convertRow<S, float>, convertRow<S, double>};
@@ -257,9 +257,9 @@ constexpr ConvertersFrom<S> convertersFrom()
 
 const ConverterTable& table()
 {
-    static constexpr ConverterTable table{convertersFrom<quint8>(), convertersFrom<quint16>(),
-        convertersFrom<quint32>(), convertersFrom<qint8>(), convertersFrom<qint16>(), convertersFrom<qint32>(),
-        convertersFrom<float>(), convertersFrom<double>()};
+    static constexpr ConverterTable table {convertersFrom<quint8>(), convertersFrom<quint16>(),
+        convertersFrom<quint32>(), convertersFrom<qint8>(), convertersFrom<qint16>(),
+        convertersFrom<qint32>(), convertersFrom<float>(), convertersFrom<double>()};
     return table;
 }
 
@@ -272,14 +272,12 @@ namespace conversion {
 
 HWY_EXPORT(table);
 
-const ConverterTable& converterTable()
-{
-    return HWY_DYNAMIC_DISPATCH(table)();
-}
+const ConverterTable& converterTable() { return HWY_DYNAMIC_DISPATCH(table)(); }
 
 namespace {
 
-/** Halves upwards, as in the vector form; limited to the type, as no wider integer is at hand to take low bits of. */
+/** Halves upwards, as in the vector form; limited to the type, as no wider integer is at hand to take low
+ * bits of. */
 qint64 roundedToInt64(double i_value)
 {
     double r;

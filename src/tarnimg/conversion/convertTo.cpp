@@ -19,17 +19,15 @@ bool isSet(const cDblRange& i_range)
     return !(std::fabs(i_range.getLow()) <= s_unset && std::fabs(i_range.getHigh()) <= s_unset);
 }
 
-bool hasWidth(const cDblRange& i_range)
-{
-    return i_range.getLength() > 0.0;
-}
+bool hasWidth(const cDblRange& i_range) { return i_range.getLength() > 0.0; }
 
 bool isFloat(cImgType::ImageTypes i_type)
 {
     return i_type == cImgType::Float32 || i_type == cImgType::Float64;
 }
 
-/** A float image from one of these types shows the range of its source; from the others, that of the conversion. */
+/** A float image from one of these types shows the range of its source; from the others, that of the
+ * conversion. */
 bool givesRangeToFloats(cImgType::ImageTypes i_source)
 {
     switch (i_source) {
@@ -117,9 +115,11 @@ bool cImgType::convertImage(
 
     const bool hasRoute = conversion::findRoute(m_typeId, targetId);
     conversion::Ranges ranges;
-    if (!prepareConvert(source, i_target, io_result, hasRoute ? i_params : nullptr, ranges.input, ranges.output))
+    if (!prepareConvert(
+            source, i_target, io_result, hasRoute ? i_params : nullptr, ranges.input, ranges.output))
         return false;
-    if (!hasRoute || (m_typeId == targetId && ranges.input == m_range && ranges.output == i_target.getRange()))
+    if (!hasRoute
+        || (m_typeId == targetId && ranges.input == m_range && ranges.output == i_target.getRange()))
         io_result.copyFrom(source);
     else
         conversion::convertPixels(source, io_result, ranges);
@@ -128,7 +128,8 @@ bool cImgType::convertImage(
     return true;
 }
 
-// ---- The pixel types -------------------------------------------------------------------------------------------
+// ---- The pixel types
+// -------------------------------------------------------------------------------------------
 
 bool cImgTypeRGB24::convertTo(
     const cImg& i_source, const cImgType& i_target, cImg& io_result, const cMapObj* i_params) const

@@ -1,4 +1,5 @@
-// Grey or three channels into four: the pixel layer would write every pixel twice, first the colour and then alpha.
+// Grey or three channels into four: the pixel layer would write every pixel twice, first the colour and then
+// alpha.
 #include "conversion/expandColour.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -15,7 +16,8 @@ namespace {
 namespace hn = hwy::HWY_NAMESPACE;
 
 // Orders of the bytes in each 16-byte block; 0x80 gives 0, and there alpha goes.
-alignas(16) constexpr Ipp8u s_repeatGrey[16] = {0, 0, 0, 0x80, 4, 4, 4, 0x80, 8, 8, 8, 0x80, 12, 12, 12, 0x80};
+alignas(16) constexpr Ipp8u s_repeatGrey[16]
+    = {0, 0, 0, 0x80, 4, 4, 4, 0x80, 8, 8, 8, 0x80, 12, 12, 12, 0x80};
 alignas(16) constexpr Ipp8u s_spreadRgb[16] = {0, 1, 2, 0x80, 3, 4, 5, 0x80, 6, 7, 8, 0x80, 9, 10, 11, 0x80};
 /** Brings the twelve bytes of each block's four pixels to the block; the last four bytes are not used. */
 alignas(64) constexpr std::int32_t s_blocks[16] = {0, 1, 2, 2, 3, 4, 5, 5, 6, 7, 8, 8, 9, 10, 11, 11};
@@ -50,7 +52,8 @@ void fromRgb24(const Ipp8u* i_source, Ipp8u* o_target, std::size_t i_pixels)
     const auto blocks = hn::SetTableIndices(d, s_blocks);
     const std::size_t lanes = hn::Lanes(d);
     std::size_t x = 0;
-    for (; 3 * x + 4 * lanes <= 3 * i_pixels; x += lanes) { // a load reaches beyond its pixels, not beyond the row
+    for (; 3 * x + 4 * lanes <= 3 * i_pixels;
+         x += lanes) { // a load reaches beyond its pixels, not beyond the row
         const auto rgb = hn::BitCast(d, hn::LoadU(bytes, i_source + 3 * x));
         storeOpaque(d, hn::TableLookupLanes(rgb, blocks), s_spreadRgb, o_target + 4 * x);
     }
@@ -65,7 +68,7 @@ void fromRgb24(const Ipp8u* i_source, Ipp8u* o_target, std::size_t i_pixels)
 
 const ColourExpanders& expanders()
 {
-    static constexpr ColourExpanders s_expanders{fromGrey, fromRgb24};
+    static constexpr ColourExpanders s_expanders {fromGrey, fromRgb24};
     return s_expanders;
 }
 
@@ -78,10 +81,7 @@ namespace conversion {
 
 HWY_EXPORT(expanders);
 
-const ColourExpanders& colourExpanders()
-{
-    return HWY_DYNAMIC_DISPATCH(expanders)();
-}
+const ColourExpanders& colourExpanders() { return HWY_DYNAMIC_DISPATCH(expanders)(); }
 
 } // namespace conversion
 #endif // HWY_ONCE

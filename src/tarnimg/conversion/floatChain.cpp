@@ -1,5 +1,5 @@
-// Floats through the whole chain in one pass: the passes of the pixel layer, which wait for the memory, give the same
-// pixels.
+// Floats through the whole chain in one pass: the passes of the pixel layer, which wait for the memory, give
+// the same pixels.
 #include "conversion/floatChain.h"
 
 #include <cmath>
@@ -21,21 +21,20 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 /** Divides by the division instruction. */
 struct Divide {
-    template <class D, class V>
-    HWY_INLINE V operator()(D d, V v, const FloatChain& i_chain) const
+    template <class D, class V> HWY_INLINE V operator()(D d, V v, const FloatChain& i_chain) const
     {
         return hn::Div(v, hn::Set(d, i_chain.divisor));
     }
 };
 
 /**
- * Divides by products, several times as fast, where there is a fused multiply-add: the remainder of a quotient is then
- * exact. The first correction gives a quotient next to the right one. As the reciprocal is correctly rounded, the second
- * gives the right one (Markstein), except for quotients so small that the chain's rounding to integers forgets them.
+ * Divides by products, several times as fast, where there is a fused multiply-add: the remainder of a
+ * quotient is then exact. The first correction gives a quotient next to the right one. As the reciprocal is
+ * correctly rounded, the second gives the right one (Markstein), except for quotients so small that the
+ * chain's rounding to integers forgets them.
  */
 struct DivideByProducts {
-    template <class D, class V>
-    HWY_INLINE V operator()(D d, V v, const FloatChain& i_chain) const
+    template <class D, class V> HWY_INLINE V operator()(D d, V v, const FloatChain& i_chain) const
     {
         const V divisor = hn::Set(d, i_chain.divisor);
         const V reciprocal = hn::Set(d, 1.0f / i_chain.divisor);
@@ -81,8 +80,8 @@ HWY_INLINE bool convertByGuess(D d, const Ipp32f* i_source, T* o_target, const F
     const auto limited = hn::Max(hn::Min(v, hn::Set(d, i_chain.high)), hn::Set(d, i_chain.low));
     const auto bits = hn::BitCast(
         du, hn::MulAdd(limited, hn::Set(d, i_chain.guess.factor), hn::Set(d, i_chain.guess.constant)));
-    const auto isDoubtful = hn::Or(
-        hn::Eq(hn::And(bits, hn::Set(du, 0xFF8u)), hn::Zero(du)), hn::RebindMask(du, hn::IsNaN(v)));
+    const auto isDoubtful
+        = hn::Or(hn::Eq(hn::And(bits, hn::Set(du, 0xFF8u)), hn::Zero(du)), hn::RebindMask(du, hn::IsNaN(v)));
     if (HWY_UNLIKELY(!hn::AllFalse(du, isDoubtful)))
         return false;
     const hn::Rebind<std::make_unsigned_t<T>, D> dtu;
@@ -92,7 +91,8 @@ HWY_INLINE bool convertByGuess(D d, const Ipp32f* i_source, T* o_target, const F
 }
 
 template <class Division, class T>
-HWY_INLINE void convertAll(const Ipp32f* i_source, T* o_target, std::size_t i_count, const FloatChain& i_chain)
+HWY_INLINE void convertAll(
+    const Ipp32f* i_source, T* o_target, std::size_t i_count, const FloatChain& i_chain)
 {
     const FloatChain chain = i_chain; // stays in registers: no store can reach it
     const hn::ScalableTag<Ipp32f> d;
@@ -125,7 +125,7 @@ void convertRow(const Ipp32f* i_source, T* o_target, std::size_t i_count, const 
 
 const FloatChainTable& floatChains()
 {
-    static constexpr FloatChainTable table{
+    static constexpr FloatChainTable table {
         convertRow<Ipp8u>, convertRow<Ipp8s>, convertRow<Ipp16u>, convertRow<Ipp16s>, convertRow<Ipp32f>};
     return table;
 }
@@ -139,16 +139,13 @@ namespace conversion {
 
 HWY_EXPORT(floatChains);
 
-const FloatChainTable& floatChainTable()
-{
-    return HWY_DYNAMIC_DISPATCH(floatChains)();
-}
+const FloatChainTable& floatChainTable() { return HWY_DYNAMIC_DISPATCH(floatChains)(); }
 
 void FloatChain::setGuess(double i_factor, double i_constant)
 {
-    // The chain limits to floats and then rounds three times, each time by 2^-24 of one of these terms; so do the guess's
-    // factor and its product without a fused addition. The sum is rounded to the unit, 2^-12, like the constant. A
-    // fourfold unit is allowed for all together.
+    // The chain limits to floats and then rounds three times, each time by 2^-24 of one of these terms; so do
+    // the guess's factor and its product without a fused addition. The sum is rounded to the unit, 2^-12,
+    // like the constant. A fourfold unit is allowed for all together.
     const double terms = std::fmax(std::fabs(double(low)), std::fabs(double(high))) * std::fabs(i_factor)
         + std::fabs(i_constant);
     guess.usable = isModerate() && terms < 600.0;

@@ -16,8 +16,9 @@ struct FloatChain {
     Ipp32f summand; ///< nor does -0
 
     /**
-     * For targets of 8 bits that the output range does not leave: one multiplication and one addition, whose constant
-     * is so large that the float's low 12 bits are the fraction of the result plus a half, and 4 in the last place.
+     * For targets of 8 bits that the output range does not leave: one multiplication and one addition, whose
+     * constant is so large that the float's low 12 bits are the fraction of the result plus a half, and 4 in
+     * the last place.
      */
     struct Guess {
         bool usable = false;
@@ -33,9 +34,11 @@ struct FloatChain {
 };
 
 template <class T>
-using FloatChainRow = void (*)(const Ipp32f* i_source, T* o_target, std::size_t i_count, const FloatChain& i_chain);
+using FloatChainRow
+    = void (*)(const Ipp32f* i_source, T* o_target, std::size_t i_count, const FloatChain& i_chain);
 
-/** Rows into each pixel type: integers are rounded to nearest, ties to even, and saturated; NaN is their least value. */
+/** Rows into each pixel type: integers are rounded to nearest, ties to even, and saturated; NaN is their
+ * least value. */
 using FloatChainTable = std::tuple<FloatChainRow<Ipp8u>, FloatChainRow<Ipp8s>, FloatChainRow<Ipp16u>,
     FloatChainRow<Ipp16s>, FloatChainRow<Ipp32f>>;
 

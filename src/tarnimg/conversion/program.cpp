@@ -11,7 +11,8 @@ namespace conversion {
 
 namespace {
 
-/** Bytes of an intermediate buffer. Two of them, the source's tile and the result's fit the first-level cache. */
+/** Bytes of an intermediate buffer. Two of them, the source's tile and the result's fit the first-level
+ * cache. */
 constexpr int s_bufferBytes = 8192;
 
 using Buffer = std::array<Ipp8u, s_bufferBytes>;
@@ -26,8 +27,10 @@ int routePixelBytes(const cImgType& i_type)
 }
 
 Program::Program(const cImg& i_source)
-    : m_source{i_source.getConstData(), i_source.getYPitch()}, m_width(i_source.getWidth()),
-      m_height(i_source.getHeight()), m_sourceBytes(routePixelBytes(i_source.getImgType())),
+    : m_source {i_source.getConstData(), i_source.getYPitch()},
+      m_width(i_source.getWidth()),
+      m_height(i_source.getHeight()),
+      m_sourceBytes(routePixelBytes(i_source.getImgType())),
       m_pixelBytes(m_sourceBytes)
 {
 }
@@ -39,10 +42,7 @@ void Program::move(int i_pixelBytes, Move i_function)
     m_pixelBytes = i_pixelBytes;
 }
 
-void Program::change(Change i_function)
-{
-    m_changes.append(std::move(i_function));
-}
+void Program::change(Change i_function) { m_changes.append(std::move(i_function)); }
 
 int Program::pixelsPerTile() const
 {
@@ -81,8 +81,8 @@ void Program::run(cImg& io_result) const
 {
     if (m_cancelled)
         return;
-    const TargetRows result{io_result.getData(), io_result.getYPitch()};
-    const SourceRows source = m_fromResult ? SourceRows{result.first, result.pitch} : m_source;
+    const TargetRows result {io_result.getData(), io_result.getYPitch()};
+    const SourceRows source = m_fromResult ? SourceRows {result.first, result.pitch} : m_source;
     qint64 width = m_width;
     qint64 height = m_height;
     if (!m_places && source.pitch == width * m_sourceBytes && result.pitch == width * m_pixelBytes) {
@@ -93,11 +93,13 @@ void Program::run(cImg& io_result) const
     constexpr qint64 greatestStep = std::numeric_limits<int>::max();
     const qint64 pixels = pixelsPerTile();
     const qint64 tileWidth = std::min(width, pixels);
-    const qint64 tileHeight
-        = source.pitch > greatestStep || result.pitch > greatestStep ? 1 : std::min(height, pixels / tileWidth);
+    const qint64 tileHeight = source.pitch > greatestStep || result.pitch > greatestStep
+        ? 1
+        : std::min(height, pixels / tileWidth);
     for (qint64 y = 0; y < height; y += tileHeight) {
         for (qint64 x = 0; x < width; x += tileWidth) {
-            const Tile tile{x, y, int(std::min(tileWidth, width - x)), int(std::min(tileHeight, height - y))};
+            const Tile tile {
+                x, y, int(std::min(tileWidth, width - x)), int(std::min(tileHeight, height - y))};
             runTile(tile, source.at(x, y, m_sourceBytes), result.at(x, y, m_pixelBytes));
         }
     }

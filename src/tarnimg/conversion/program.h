@@ -12,7 +12,8 @@ class cImgType;
 
 namespace conversion {
 
-/** Bytes from one pixel to the next as the routes see them: one channel, except for colours, which they know whole. */
+/** Bytes from one pixel to the next as the routes see them: one channel, except for colours, which they know
+ * whole. */
 int routePixelBytes(const cImgType& i_type);
 
 /** A rectangle of pixels of the image that a program runs over. */
@@ -27,8 +28,7 @@ struct Tile {
 };
 
 /** Rows of a tile: the first byte and the distance of the rows in bytes. */
-template <class Byte>
-struct Rows {
+template <class Byte> struct Rows {
     Byte* first;
     qint64 pitch;
 
@@ -37,7 +37,10 @@ struct Rows {
         return {first + i_y * pitch + i_x * i_pixelBytes, pitch};
     }
     /** The distance as the pixel layer takes it. Tiles have one row where it does not fit. */
-    int step() const { return pitch > std::numeric_limits<int>::max() ? std::numeric_limits<int>::max() : int(pitch); }
+    int step() const
+    {
+        return pitch > std::numeric_limits<int>::max() ? std::numeric_limits<int>::max() : int(pitch);
+    }
 };
 
 using SourceRows = Rows<const Ipp8u>;
@@ -46,13 +49,14 @@ using TargetRows = Rows<Ipp8u>;
 /**
  * A conversion as a chain of steps, each of which looks at one pixel at a time.
  *
- * The chain runs over the image in tiles that stay in the first-level cache, with the intermediate pixels of a tile in
- * two small buffers: no frame-sized memory is needed, and the image is read and written once. The bytes are those of
- * the same steps over whole images.
+ * The chain runs over the image in tiles that stay in the first-level cache, with the intermediate pixels of
+ * a tile in two small buffers: no frame-sized memory is needed, and the image is read and written once. The
+ * bytes are those of the same steps over whole images.
  */
 class Program {
 public:
-    /** Reads the tile in one place and writes it in another, which may be the same if the pixel sizes are equal. */
+    /** Reads the tile in one place and writes it in another, which may be the same if the pixel sizes are
+     * equal. */
     using Move = std::function<void(const Tile&, SourceRows, TargetRows)>;
     /** Changes the tile where it is. */
     using Change = std::function<void(const Tile&, TargetRows)>;

@@ -18,8 +18,9 @@ Route findRoute(cImgType::ImageTypes i_source, cImgType::ImageTypes i_target);
 bool isSupported(cImgType::ImageTypes i_source, cImgType::ImageTypes i_target);
 
 /**
- * Converts pixels by the route of the two images' types, whatever the ranges of their descriptors; this one keeps both
- * descriptors. Both images must be valid, of one size and of types with a route between them; the result is detached.
+ * Converts pixels by the route of the two images' types, whatever the ranges of their descriptors; this one
+ * keeps both descriptors. Both images must be valid, of one size and of types with a route between them; the
+ * result is detached.
  */
 void convertPixels(const cImg& i_source, cImg& io_result, const Ranges& i_ranges);
 

@@ -10,11 +10,9 @@ namespace conversion {
 namespace {
 
 /** The pixel layer's functions for one channel of T. Equal constants in all channels need no others. */
-template <class T>
-struct Layer;
+template <class T> struct Layer;
 
-template <>
-struct Layer<Ipp8u> {
+template <> struct Layer<Ipp8u> {
     static constexpr double greatest = 255.0;
     static constexpr double multiplierLimit = 128.0;
     static constexpr auto limit = ippiThreshold_LTValGTVal_8u_C1R;
@@ -23,8 +21,7 @@ struct Layer<Ipp8u> {
     static constexpr auto add = ippiAddC_8u_C1RSfs;
 };
 
-template <>
-struct Layer<Ipp16u> {
+template <> struct Layer<Ipp16u> {
     static constexpr double greatest = 65535.0;
     static constexpr double multiplierLimit = 32768.0;
     static constexpr auto limit = ippiThreshold_LTValGTVal_16u_C1R;
@@ -33,20 +30,18 @@ struct Layer<Ipp16u> {
     static constexpr auto add = ippiAddC_16u_C1RSfs;
 };
 
-template <>
-struct Layer<Ipp32f> {
+template <> struct Layer<Ipp32f> {
     static constexpr auto subtract = ippiSubC_32f_C1R;
     static constexpr auto multiply = ippiMulC_32f_C1R;
     static constexpr auto add = ippiAddC_32f_C1R;
 };
 
-template <class T>
-void addClamp(Program& io_program, int i_channels, T i_low, T i_high)
+template <class T> void addClamp(Program& io_program, int i_channels, T i_low, T i_high)
 {
     io_program.move(i_channels * int(sizeof(T)), [=](const Tile& tile, SourceRows source, TargetRows target) {
         Layer<T>::limit(reinterpret_cast<const T*>(source.first), source.step(),
-            reinterpret_cast<T*>(target.first), target.step(), tile.elements(i_channels), i_low, i_low, i_high,
-            i_high);
+            reinterpret_cast<T*>(target.first), target.step(), tile.elements(i_channels), i_low, i_low,
+            i_high, i_high);
     });
 }
 
@@ -61,8 +56,7 @@ void addConstant(Program& io_program, int i_channels, T i_value, int i_scale = 0
 }
 
 /** A step with one float constant. */
-template <auto Function>
-void addConstantFloat(Program& io_program, Ipp32f i_value)
+template <auto Function> void addConstantFloat(Program& io_program, Ipp32f i_value)
 {
     io_program.move(int(sizeof(Ipp32f)), [=](const Tile& tile, SourceRows source, TargetRows target) {
         Function(reinterpret_cast<const Ipp32f*>(source.first), source.step(), i_value,
@@ -72,8 +66,7 @@ void addConstantFloat(Program& io_program, Ipp32f i_value)
 
 } // namespace
 
-template <class T>
-T cut(double i_value)
+template <class T> T cut(double i_value)
 {
     constexpr double width = 1.0 + std::numeric_limits<T>::max();
     const double whole = std::trunc(i_value);
@@ -83,7 +76,7 @@ T cut(double i_value)
 
 Multiplier findMultiplier(double i_factor, double i_limit)
 {
-    Multiplier multiplier{i_factor, 0};
+    Multiplier multiplier {i_factor, 0};
     if (i_factor > 0.0) {
         while (multiplier.value < i_limit) {
             multiplier.value *= 2.0;
@@ -93,15 +86,15 @@ Multiplier findMultiplier(double i_factor, double i_limit)
     return multiplier;
 }
 
-template <class T>
-bool limits(const cDblRange& i_range)
+template <class T> bool limits(const cDblRange& i_range)
 {
     return i_range.getLow() != 0.0 || !(i_range.getHigh() >= Layer<T>::greatest);
 }
 
 template <class T>
 Stretch<T>::Stretch(const Ranges& i_ranges)
-    : multiplies(i_ranges.factor() != 1.0), offset(cut<T>(i_ranges.output.getLow()))
+    : multiplies(i_ranges.factor() != 1.0),
+      offset(cut<T>(i_ranges.output.getLow()))
 {
     const Multiplier found = findMultiplier(i_ranges.factor(), Layer<T>::multiplierLimit);
     multiplier = cut<T>(found.value);
@@ -121,15 +114,13 @@ void addLimit(Program& io_program, int i_channels, const cDblRange& i_range, Ref
         io_program.startFromResult();
 }
 
-template <class T>
-void addSubtract(Program& io_program, int i_channels, const Ranges& i_ranges)
+template <class T> void addSubtract(Program& io_program, int i_channels, const Ranges& i_ranges)
 {
     if (i_ranges.input.getLow() != 0.0)
         addConstant<Layer<T>::subtract>(io_program, i_channels, cut<T>(i_ranges.input.getLow()));
 }
 
-template <class T>
-void addStretch(Program& io_program, int i_channels, const Ranges& i_ranges)
+template <class T> void addStretch(Program& io_program, int i_channels, const Ranges& i_ranges)
 {
     const Stretch<T> stretch(i_ranges);
     if (stretch.multiplies)
@@ -161,13 +152,12 @@ void addStretchFloat(Program& io_program, const Ranges& i_ranges)
         addConstantFloat<Layer<Ipp32f>::add>(io_program, Ipp32f(i_ranges.output.getLow()));
 }
 
-template <class T>
-void addFloatChain(Program& io_program, const Ranges& i_ranges)
+template <class T> void addFloatChain(Program& io_program, const Ranges& i_ranges)
 {
     const cDblRange& in = i_ranges.input;
     const cDblRange& out = i_ranges.output;
     const auto divisor = Ipp32f(in.getLength() / out.getLength());
-    FloatChain chain{
+    FloatChain chain {
         .low = Ipp32f(in.getLow()),
         .high = Ipp32f(in.getHigh()),
         .subtrahend = in.getLow() != 0.0 ? Ipp32f(in.getLow()) : 0.0f,

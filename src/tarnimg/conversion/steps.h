@@ -16,9 +16,9 @@ struct Ranges {
     double factor() const { return output.getLength() / input.getLength(); }
 };
 
-/** Truncates toward zero and cuts to the width of T, without limiting: 300 as a byte is 44. What is not finite is 0. */
-template <class T>
-T cut(double i_value);
+/** Truncates toward zero and cuts to the width of T, without limiting: 300 as a byte is 44. What is not
+ * finite is 0. */
+template <class T> T cut(double i_value);
 
 /** A factor as the pixel layer's integer multiply takes it: value / 2^scale. */
 struct Multiplier {
@@ -27,18 +27,17 @@ struct Multiplier {
 };
 
 /**
- * The multiplier with the least scale for which the value reaches a limit; with scale 0 if the factor reaches it by
- * itself, or never can (0, negative, not a number).
+ * The multiplier with the least scale for which the value reaches a limit; with scale 0 if the factor reaches
+ * it by itself, or never can (0, negative, not a number).
  */
 Multiplier findMultiplier(double i_factor, double i_limit);
 
 /** Whether some pixel of type T may lie outside the range. */
-template <class T>
-bool limits(const cDblRange& i_range);
+template <class T> bool limits(const cDblRange& i_range);
 
-/** How pixels of type T that begin at 0 get onto the output range: pixel * multiplier / 2^scale + offset, saturated. */
-template <class T>
-struct Stretch {
+/** How pixels of type T that begin at 0 get onto the output range: pixel * multiplier / 2^scale + offset,
+ * saturated. */
+template <class T> struct Stretch {
     explicit Stretch(const Ranges& i_ranges);
 
     bool multiplies; ///< else the multiplier is 1
@@ -56,19 +55,17 @@ enum class Refused {
 /**
  * Limits pixels to a range; no step if no pixel of the type lies outside.
  *
- * The ends are cut to the width of the type. Where that puts them out of order the layer refuses them, and the working
- * image stays as it is.
+ * The ends are cut to the width of the type. Where that puts them out of order the layer refuses them, and
+ * the working image stays as it is.
  */
 template <class T>
 void addLimit(Program& io_program, int i_channels, const cDblRange& i_range, Refused i_refused);
 
 /** The low end of the input range becomes 0. Saturates. */
-template <class T>
-void addSubtract(Program& io_program, int i_channels, const Ranges& i_ranges);
+template <class T> void addSubtract(Program& io_program, int i_channels, const Ranges& i_ranges);
 
 /** The steps of a Stretch. */
-template <class T>
-void addStretch(Program& io_program, int i_channels, const Ranges& i_ranges);
+template <class T> void addStretch(Program& io_program, int i_channels, const Ranges& i_ranges);
 
 extern template Ipp8u cut<Ipp8u>(double);
 extern template Ipp16u cut<Ipp16u>(double);
@@ -83,15 +80,16 @@ extern template void addSubtract<Ipp16u>(Program&, int, const Ranges&);
 extern template void addStretch<Ipp8u>(Program&, int, const Ranges&);
 extern template void addStretch<Ipp16u>(Program&, int, const Ranges&);
 
-/** The low end of the input range becomes 0, the factor is multiplied, and 0 becomes the low end of the output range. */
+/** The low end of the input range becomes 0, the factor is multiplied, and 0 becomes the low end of the
+ * output range. */
 void addStretchFloat(Program& io_program, const Ranges& i_ranges);
 
 /**
- * A float source onto any output range: limits always, subtracts, divides by the reciprocal of the factor (which
- * differs from a multiplication in the last bit), adds; then rounds to nearest, ties to even, and saturates.
+ * A float source onto any output range: limits always, subtracts, divides by the reciprocal of the factor
+ * (which differs from a multiplication in the last bit), adds; then rounds to nearest, ties to even, and
+ * saturates.
  */
-template <class T>
-void addFloatChain(Program& io_program, const Ranges& i_ranges);
+template <class T> void addFloatChain(Program& io_program, const Ranges& i_ranges);
 
 extern template void addFloatChain<Ipp8u>(Program&, const Ranges&);
 extern template void addFloatChain<Ipp8s>(Program&, const Ranges&);
@@ -101,12 +99,11 @@ extern template void addFloatChain<Ipp32f>(Program&, const Ranges&);
 
 /** A function of the pixel layer that changes the pixel type or the number of channels. */
 template <class S, class D>
-void addMove(Program& io_program, int i_pixelBytes,
-    IppStatus (*i_function)(const S*, int, D*, int, IppiSize))
+void addMove(Program& io_program, int i_pixelBytes, IppStatus (*i_function)(const S*, int, D*, int, IppiSize))
 {
     io_program.move(i_pixelBytes, [i_function](const Tile& tile, SourceRows source, TargetRows target) {
-        i_function(reinterpret_cast<const S*>(source.first), source.step(), reinterpret_cast<D*>(target.first),
-            target.step(), tile.elements(1));
+        i_function(reinterpret_cast<const S*>(source.first), source.step(),
+            reinterpret_cast<D*>(target.first), target.step(), tile.elements(1));
     });
 }
 

@@ -15,7 +15,8 @@ bool cSupportedImages::meets(const cSupportedImages& i_other) const
 {
     if (m_list.isEmpty() || i_other.m_list.isEmpty())
         return true;
-    return std::any_of(m_list.begin(), m_list.end(), [&](const auto& pair) { return i_other.m_list.contains(pair); });
+    return std::any_of(
+        m_list.begin(), m_list.end(), [&](const auto& pair) { return i_other.m_list.contains(pair); });
 }
 
 QStringList cSupportedImages::getTypeNames() const

@@ -9,8 +9,8 @@
 #include <tarnimg/cImg.h>
 #include <type_traits>
 
-// Images travel as matrices to whoever takes those, and back, one by one and as lists. The converters register themselves
-// when the library is loaded.
+// Images travel as matrices to whoever takes those, and back, one by one and as lists. The converters
+// register themselves when the library is loaded.
 namespace {
 
 template <class E> constexpr cImgType::ImageTypes s_imageType = cImgType::Invalid;
@@ -18,7 +18,8 @@ template <> constexpr cImgType::ImageTypes s_imageType<int> = cImgType::SInt32;
 template <> constexpr cImgType::ImageTypes s_imageType<float> = cImgType::Float32;
 template <> constexpr cImgType::ImageTypes s_imageType<double> = cImgType::Float64;
 
-/** The image itself if it has the elements' type, else a copy that keeps the source's range; void if there is none. */
+/** The image itself if it has the elements' type, else a copy that keeps the source's range; void if there is
+ * none. */
 template <class E> cImg withElements(const cImg& i_image)
 {
     if (i_image.isKindOf(s_imageType<E>))
@@ -59,15 +60,15 @@ template <class E> struct cValueConversion<cImg, cMatrix<E>> {
             return true;
         // One block, which takes no account of pitches that differ from the matrix's rows; cut to the matrix.
         const std::size_t imageBytes = std::size_t(image.getYPitch()) * image.getHeight();
-        std::memcpy(o_matrix.data(), image.getConstData(), std::min(imageBytes, o_matrix.getElementCount() * sizeof(E)));
+        std::memcpy(o_matrix.data(), image.getConstData(),
+            std::min(imageBytes, o_matrix.getElementCount() * sizeof(E)));
         return true;
     }
 };
 
 /** Lists, element by element. */
 template <class From, class To>
-    requires(s_isList<From> && s_isList<To> && !std::is_same_v<From, To>)
-struct cValueConversion<From, To> {
+requires(s_isList<From>&& s_isList<To> && !std::is_same_v<From, To>) struct cValueConversion<From, To> {
     using FromElement = typename From::value_type;
     using ToElement = typename To::value_type;
 
@@ -87,8 +88,8 @@ struct cValueConversion<From, To> {
 namespace {
 
 template <class A, class B> struct BothWays {
-    cTypeConverter<A, B> forth{true};
-    cTypeConverter<B, A> back{true};
+    cTypeConverter<A, B> forth {true};
+    cTypeConverter<B, A> back {true};
 };
 
 template <class E> struct Registration {

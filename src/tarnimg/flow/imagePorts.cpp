@@ -29,7 +29,8 @@ bool checkLink(const cSupportedImages& i_ours, const cPortBase* i_other)
         return true;
     // All names stand in front of the "and"; nothing follows it.
     const QStringList names = i_ours.getTypeNames() + theirs.getTypeNames();
-    cTracer::cerr << "Image types do not match: " << names.join(QLatin1Char(',')) << " and " << cTracer::end();
+    cTracer::cerr << "Image types do not match: " << names.join(QLatin1Char(',')) << " and "
+                  << cTracer::end();
     return false;
 }
 
@@ -54,29 +55,23 @@ cIPort<cImg>::cIPort() = default;
 cIPort<cImg>::cIPort(cDfpNode* i_node, const QString& i_name) : cIPortT<cImg>(i_node, i_name) {}
 cIPort<cImg>::~cIPort() = default;
 
-bool cIPort<cImg>::hasDirectCallback() const
-{
-    return false;
-}
+bool cIPort<cImg>::hasDirectCallback() const { return false; }
 
 bool cIPort<cImg>::checkDynamicData(const cImg& i_image)
 {
     if (m_supported.takes(i_image))
         return true;
-    cTracer::cerr << getPortPath() << " does not support images of type: " << i_image.getImgType().getName() << " with "
-                  << i_image.getNumChannels() << " channels." << cTracer::end();
+    cTracer::cerr << getPortPath() << " does not support images of type: " << i_image.getImgType().getName()
+                  << " with " << i_image.getNumChannels() << " channels." << cTracer::end();
     return false;
 }
 
-bool cIPort<cImg>::checkStaticData(const cPortBase* i_other)
-{
-    return checkLink(m_supported, i_other);
-}
+bool cIPort<cImg>::checkStaticData(const cPortBase* i_other) { return checkLink(m_supported, i_other); }
 
 QString cIPort<cImg>::getTooltip() const
 {
-    return tooltip(
-        QStringLiteral("Supported types: "), typeNamesOr(m_supported, QStringLiteral("All")), getDescription());
+    return tooltip(QStringLiteral("Supported types: "), typeNamesOr(m_supported, QStringLiteral("All")),
+        getDescription());
 }
 
 cOPort<cImg>::cOPort() = default;
@@ -86,10 +81,7 @@ cOPort<cImg>::cOPort(cDfpNode* i_node, const QString& i_name, unsigned int i_poo
 }
 cOPort<cImg>::~cOPort() = default;
 
-bool cOPort<cImg>::checkStaticData(const cPortBase* i_other)
-{
-    return checkLink(m_supported, i_other);
-}
+bool cOPort<cImg>::checkStaticData(const cPortBase* i_other) { return checkLink(m_supported, i_other); }
 
 QString cOPort<cImg>::getTooltip() const
 {

@@ -8,9 +8,7 @@ cImgFunctor::cImgFunctor(const cImgFunctor& i_other) = default;
 cImgFunctor& cImgFunctor::operator=(const cImgFunctor& i_other) = default;
 cImgFunctor::~cImgFunctor() = default;
 
-void cImgFunctor::refreshParams(cObj*)
-{
-}
+void cImgFunctor::refreshParams(cObj*) {}
 
 bool cImgFunctor::isSupported(const cImg& i_image) const
 {

@@ -23,10 +23,7 @@ static void checkSupported(const cImgFunctor& i_functor, const cImg& i_image, co
                  .arg(i_image.getNumChannels()));
 }
 
-void fail(const QString& i_message)
-{
-    throw std::runtime_error(i_message.toLocal8Bit().constData());
-}
+void fail(const QString& i_message) { throw std::runtime_error(i_message.toLocal8Bit().constData()); }
 
 void checkInput(const cImgFunctor& i_functor, const cImg& i_image, const char* i_operator)
 {
@@ -79,7 +76,4 @@ int enumValue(const QMetaObject& i_class, const char* i_enumeration, const QStri
 
 } // namespace frame
 
-void checkIPPStatus(IppStatus i_status)
-{
-    frame::checkStatus(i_status, "checkIPPStatus");
-}
+void checkIPPStatus(IppStatus i_status) { frame::checkStatus(i_status, "checkIPPStatus"); }

@@ -10,8 +10,8 @@
 #include <tarnimg/cImgFunctor.h>
 
 /**
- * What all functors share: the checks in their order, the failures and their words, parameters, and the look-up of the
- * pixel function for an image.
+ * What all functors share: the checks in their order, the failures and their words, parameters, and the
+ * look-up of the pixel function for an image.
  */
 namespace frame {
 
@@ -21,13 +21,15 @@ namespace frame {
 /** The image is valid, then supported. */
 void checkInput(const cImgFunctor& i_functor, const cImg& i_image, const char* i_operator);
 
-/** Both images are valid; equal types; equal channel counts; equal sizes and pitches; the first one is supported. */
+/** Both images are valid; equal types; equal channel counts; equal sizes and pitches; the first one is
+ * supported. */
 void checkInputs(const cImgFunctor& i_functor, const cImg& i_a, const cImg& i_b, const char* i_operator);
 
 /** Any status but 0 is a failure of the operator, warnings included. */
 void checkStatus(IppStatus i_status, const char* i_operator);
 
-/** A new one-channel image of the type and size of another; its pixels are undefined, it has no attributes. */
+/** A new one-channel image of the type and size of another; its pixels are undefined, it has no attributes.
+ */
 cImg resultLike(const cImg& i_image);
 
 /** Enters a member as a parameter. */
@@ -44,7 +46,8 @@ void bindEnumParam(cObj* i_params, const char* i_key, QString& i_member, const Q
 int enumValue(const QMetaObject& i_class, const char* i_enumeration, const QString& i_key);
 
 /** The row of a functor's table for the image's type, or null. */
-template <class Table> auto find(const Table& i_variants, const cImg& i_image) -> decltype(std::data(i_variants))
+template <class Table>
+auto find(const Table& i_variants, const cImg& i_image) -> decltype(std::data(i_variants))
 {
     for (const auto& variant : i_variants) {
         if (variant.type == i_image.getImgType().getTypeId())

@@ -4,19 +4,17 @@
 #include <tarnimg/cImg.h>
 
 /**
- * Calls functions of the pixel layer on images: one adapter for each shape of function. The adapter takes the pixel type
- * from the function itself, so that a functor's table needs no casts.
+ * Calls functions of the pixel layer on images: one adapter for each shape of function. The adapter takes the
+ * pixel type from the function itself, so that a functor's table needs no casts.
  *
- * The region is the whole first source. Integer forms are called with scale factor 0. A destination is detached before any
- * pointer is taken, so that it may share its pixels with a source.
+ * The region is the whole first source. Integer forms are called with scale factor 0. A destination is
+ * detached before any pointer is taken, so that it may share its pixels with a source.
  */
 namespace frame {
 
-/** Width and height for the pixel layer. A side beyond the range of int turns negative there, and is refused as a size. */
-inline IppiSize sizeOf(const cImg& i_image)
-{
-    return {int(i_image.getWidth()), int(i_image.getHeight())};
-}
+/** Width and height for the pixel layer. A side beyond the range of int turns negative there, and is refused
+ * as a size. */
+inline IppiSize sizeOf(const cImg& i_image) { return {int(i_image.getWidth()), int(i_image.getHeight())}; }
 
 /** The first pixel of an image that is read. */
 template <class T> const T* pixels(const cImg& i_image)
@@ -25,16 +23,10 @@ template <class T> const T* pixels(const cImg& i_image)
 }
 
 /** The first pixel of an image that is written; detaches. */
-template <class T> T* pixels(cImg& io_image)
-{
-    return reinterpret_cast<T*>(io_image.getData());
-}
+template <class T> T* pixels(cImg& io_image) { return reinterpret_cast<T*>(io_image.getData()); }
 
 /** Bytes from row to row. */
-inline int stepOf(const cImg& i_image)
-{
-    return int(i_image.getYPitch());
-}
+inline int stepOf(const cImg& i_image) { return int(i_image.getYPitch()); }
 
 /** Source to destination, pixel by pixel; the destination may be read too. */
 template <auto Function> struct Unary;
@@ -47,11 +39,13 @@ template <class S, class D, IppStatus (*Function)(const S*, int, D*, int, IppiSi
     }
 };
 
-template <class S, class D, IppStatus (*Function)(const S*, int, D*, int, IppiSize, int)> struct Unary<Function> {
+template <class S, class D, IppStatus (*Function)(const S*, int, D*, int, IppiSize, int)>
+struct Unary<Function> {
     static IppStatus call(const cImg& i_source, cImg& io_result)
     {
         D* result = pixels<D>(io_result);
-        return Function(pixels<S>(i_source), stepOf(i_source), result, stepOf(io_result), sizeOf(i_source), 0);
+        return Function(
+            pixels<S>(i_source), stepOf(i_source), result, stepOf(io_result), sizeOf(i_source), 0);
     }
 };
 
@@ -59,8 +53,8 @@ template <class S, class D, IppStatus (*Function)(const S*, int, D*, int, IppiSi
 template <auto Function> struct Rows;
 
 template <class S, class D, IppStatus (*Function)(const S*, int, D*, int, IppiSize)> struct Rows<Function> {
-    static IppStatus call(
-        const unsigned char* i_source, int i_sourceStep, unsigned char* io_result, int i_resultStep, IppiSize i_size)
+    static IppStatus call(const unsigned char* i_source, int i_sourceStep, unsigned char* io_result,
+        int i_resultStep, IppiSize i_size)
     {
         return Function(reinterpret_cast<const S*>(i_source), i_sourceStep, reinterpret_cast<D*>(io_result),
             i_resultStep, i_size);
@@ -75,7 +69,8 @@ struct Binary<Function> {
     static IppStatus call(const cImg& i_a, const cImg& i_b, cImg& io_result)
     {
         D* result = pixels<D>(io_result);
-        return Function(pixels<S>(i_a), stepOf(i_a), pixels<S>(i_b), stepOf(i_b), result, stepOf(io_result), sizeOf(i_a));
+        return Function(
+            pixels<S>(i_a), stepOf(i_a), pixels<S>(i_b), stepOf(i_b), result, stepOf(io_result), sizeOf(i_a));
     }
 };
 
@@ -84,8 +79,8 @@ struct Binary<Function> {
     static IppStatus call(const cImg& i_a, const cImg& i_b, cImg& io_result)
     {
         D* result = pixels<D>(io_result);
-        return Function(
-            pixels<S>(i_a), stepOf(i_a), pixels<S>(i_b), stepOf(i_b), result, stepOf(io_result), sizeOf(i_a), 0);
+        return Function(pixels<S>(i_a), stepOf(i_a), pixels<S>(i_b), stepOf(i_b), result, stepOf(io_result),
+            sizeOf(i_a), 0);
     }
 };
 

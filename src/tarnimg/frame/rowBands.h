@@ -16,8 +16,8 @@ struct RowBand {
 };
 
 /**
- * Divides the rows of an image among tasks: at most one task a row, all bands of equal height but the last, which takes
- * the remainder too. Below 1 the machine's ideal number of threads is meant.
+ * Divides the rows of an image among tasks: at most one task a row, all bands of equal height but the last,
+ * which takes the remainder too. Below 1 the machine's ideal number of threads is meant.
  */
 inline std::vector<RowBand> splitRows(int i_numThreads, unsigned i_height)
 {
@@ -34,19 +34,21 @@ inline std::vector<RowBand> splitRows(int i_numThreads, unsigned i_height)
 }
 
 /**
- * Runs a row-wise operation in bands on the global thread pool and waits for all of them; the caller does no band itself.
- * With exactly one thread the operation is one ordinary call. The status is that of the first band; the others are not
- * looked at.
+ * Runs a row-wise operation in bands on the global thread pool and waits for all of them; the caller does no
+ * band itself. With exactly one thread the operation is one ordinary call. The status is that of the first
+ * band; the others are not looked at.
  *
  * @param i_operation takes the first row and the number of rows.
  */
-template <class Operation> IppStatus runInBands(int i_numThreads, unsigned i_height, const Operation& i_operation)
+template <class Operation>
+IppStatus runInBands(int i_numThreads, unsigned i_height, const Operation& i_operation)
 {
     if (i_numThreads == 1)
         return i_operation(0u, i_height);
     QFutureSynchronizer<IppStatus> tasks;
     for (const RowBand& band : splitRows(i_numThreads, i_height))
-        tasks.addFuture(QtConcurrent::run([&i_operation, band] { return i_operation(band.first, band.rows); }));
+        tasks.addFuture(
+            QtConcurrent::run([&i_operation, band] { return i_operation(band.first, band.rows); }));
     tasks.waitForFinished();
     const auto futures = tasks.futures();
     return futures.isEmpty() ? i_operation(0u, i_height) : futures.front().result();

@@ -26,13 +26,15 @@ struct Operation {
     bool zeroAllowed = true; // among the pixels of the first image
 };
 
-template <class Functor> Operation withBothForms(const char* i_name, std::function<double(double, double)> i_exact)
+template <class Functor>
+Operation withBothForms(const char* i_name, std::function<double(double, double)> i_exact)
 {
-    return {i_name, [](Image2 a, Image2 b) { return Functor()(a, b); }, [](Image2 a, cImg& b) { Functor()(a, b); },
-        std::move(i_exact)};
+    return {i_name, [](Image2 a, Image2 b) { return Functor()(a, b); },
+        [](Image2 a, cImg& b) { Functor()(a, b); }, std::move(i_exact)};
 }
 
-template <class Functor> Operation allocating(const char* i_name, std::function<double(double, double)> i_exact)
+template <class Functor>
+Operation allocating(const char* i_name, std::function<double(double, double)> i_exact)
 {
     return {i_name, [](Image2 a, Image2 b) { return Functor()(a, b); }, {}, std::move(i_exact)};
 }
@@ -41,8 +43,10 @@ std::vector<Operation> operations()
 {
     std::vector<Operation> all = {
         withBothForms<cAddImagesFunctor>("cAddImagesFunctor", [](double a, double b) { return a + b; }),
-        withBothForms<cSubtractImagesFunctor>("cSubtractImagesFunctor", [](double a, double b) { return b - a; }),
-        withBothForms<cMultiplyImagesFunctor>("cMultiplyImagesFunctor", [](double a, double b) { return a * b; }),
+        withBothForms<cSubtractImagesFunctor>(
+            "cSubtractImagesFunctor", [](double a, double b) { return b - a; }),
+        withBothForms<cMultiplyImagesFunctor>(
+            "cMultiplyImagesFunctor", [](double a, double b) { return a * b; }),
         withBothForms<cDivideImagesFunctor>("cDivideImagesFunctor", [](double a, double b) { return b / a; }),
         allocating<cImageDifferencesFunctor>(
             "cImageDifferencesFunctor", [](double a, double b) { return std::fabs(a - b); }),
@@ -150,7 +154,8 @@ TEST(twoImagesTest, TheChecksComeInTheirOrder)
     std::vector<std::pair<std::string, std::function<cImg(Image2, Image2)>>> all;
     for (const Operation& operation : operations())
         all.emplace_back(operation.name, operation.combine);
-    all.emplace_back("cAddProductImageFunctor", [](Image2 a, Image2 b) { return cAddProductImageFunctor()(a, b); });
+    all.emplace_back(
+        "cAddProductImageFunctor", [](Image2 a, Image2 b) { return cAddProductImageFunctor()(a, b); });
 
     for (const auto& [name, combine] : all) {
         const std::string op = name + "::operator ()";
@@ -197,7 +202,8 @@ TEST(twoImagesTest, SubtractTakesTheFirstFromTheSecond)
     a.setPixel<unsigned char>(0, 0, 200);
     b.setPixel<unsigned char>(0, 0, 50);
     EXPECT_EQ(cSubtractImagesFunctor()(std::as_const(a), std::as_const(b)).getPixel<unsigned char>(0, 0), 0);
-    EXPECT_EQ(cSubtractImagesFunctor()(std::as_const(b), std::as_const(a)).getPixel<unsigned char>(0, 0), 150);
+    EXPECT_EQ(
+        cSubtractImagesFunctor()(std::as_const(b), std::as_const(a)).getPixel<unsigned char>(0, 0), 150);
 }
 
 TEST(twoImagesTest, AZeroDivisorFailsTheWholeCall)
@@ -213,7 +219,8 @@ TEST(twoImagesTest, AZeroDivisorFailsTheWholeCall)
         divisor.setPixel<T>(1, 0, zero);
         const std::string text
             = std::string("cDivideImagesFunctor::operator (): ") + ippGetStatusString(ippStsDivByZero);
-        EXPECT_EQ(messageOf([&] { cDivideImagesFunctor()(std::as_const(divisor), std::as_const(dividend)); }), text);
+        EXPECT_EQ(messageOf([&] { cDivideImagesFunctor()(std::as_const(divisor), std::as_const(dividend)); }),
+            text);
 
         // In place the destination keeps what was computed.
         EXPECT_EQ(messageOf([&] { cDivideImagesFunctor()(divisor, dividend); }), text);
@@ -291,7 +298,8 @@ TEST(cImageAbsFunctorTest, UnsignedImagesAreRefused)
 
 namespace {
 
-template <class T> cImg constantImage(cImgType::ImageTypes i_type, unsigned i_width, unsigned i_height, T i_value)
+template <class T>
+cImg constantImage(cImgType::ImageTypes i_type, unsigned i_width, unsigned i_height, T i_value)
 {
     cImg image(i_type, i_width, i_height, 1);
     for (unsigned y = 0; y < i_height; ++y)

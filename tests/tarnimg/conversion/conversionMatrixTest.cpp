@@ -74,15 +74,17 @@ std::string bytesAsText(const uint8_t* i_pixel, int i_bytes)
 testing::AssertionResult samePixels(
     const reference::Image& i_actual, const reference::Image& i_expected, const reference::Image& i_source)
 {
-    const int bytes = reference::pixelBytes(i_expected.type), sourceBytes = reference::pixelBytes(i_source.type);
+    const int bytes = reference::pixelBytes(i_expected.type),
+              sourceBytes = reference::pixelBytes(i_source.type);
     std::string text;
     int count = 0;
     for (size_t i = 0; i < i_expected.bytes.size() / bytes; ++i) {
         const uint8_t* is = i_actual.bytes.data() + i * bytes;
         const uint8_t* shouldBe = i_expected.bytes.data() + i * bytes;
         if (!sameElement(i_expected.type, is, shouldBe, bytes) && ++count <= 5) {
-            text += "\n  pixel " + std::to_string(i % i_expected.width) + ", " + std::to_string(i / i_expected.width)
-                + " is 0x" + bytesAsText(is, bytes) + ", should be 0x" + bytesAsText(shouldBe, bytes) + ", source 0x"
+            text += "\n  pixel " + std::to_string(i % i_expected.width) + ", "
+                + std::to_string(i / i_expected.width) + " is 0x" + bytesAsText(is, bytes) + ", should be 0x"
+                + bytesAsText(shouldBe, bytes) + ", source 0x"
                 + bytesAsText(i_source.bytes.data() + i * sourceBytes, sourceBytes);
         }
     }
@@ -94,39 +96,96 @@ testing::AssertionResult samePixels(
 std::string describe(reference::Type i_from, reference::Type i_to, Range i_input, Range i_output)
 {
     return std::string(reference::nameOf(i_from)) + " (" + std::to_string(i_input.low) + " to "
-        + std::to_string(i_input.high) + ") -> " + reference::nameOf(i_to) + " (" + std::to_string(i_output.low)
-        + " to " + std::to_string(i_output.high) + ")";
+        + std::to_string(i_input.high) + ") -> " + reference::nameOf(i_to) + " ("
+        + std::to_string(i_output.low) + " to " + std::to_string(i_output.high) + ")";
 }
 
-/** The input ranges of a type: whole, inside, with fractions, narrow, reaching outside, out of order once cut. */
+/** The input ranges of a type: whole, inside, with fractions, narrow, reaching outside, out of order once
+ * cut. */
 std::vector<Range> inputRanges(reference::Type i_type)
 {
     switch (i_type) {
     case reference::RGB24:
     case reference::RGB32:
     case reference::UInt8:
-        return {{0, 255}, {10, 200}, {10.75, 200.5}, {0, 100}, {100, 101}, {0.25, 255}, {3, 300}, {200, 300}, {-20, 90},
-            {-1, 256}, {0, 1e6}};
+        return {
+            {0,     255  },
+            {10,    200  },
+            {10.75, 200.5},
+            {0,     100  },
+            {100,   101  },
+            {0.25,  255  },
+            {3,     300  },
+            {200,   300  },
+            {-20,   90   },
+            {-1,    256  },
+            {0,     1e6  }
+        };
     case reference::UInt16:
-        return {{0, 65535}, {0, 255}, {1000, 60000}, {10.75, 200.5}, {100, 101}, {3, 70000}, {60000, 70000}, {-20, 90},
-            {0, 1e9}};
+        return {
+            {0,     65535},
+            {0,     255  },
+            {1000,  60000},
+            {10.75, 200.5},
+            {100,   101  },
+            {3,     70000},
+            {60000, 70000},
+            {-20,   90   },
+            {0,     1e9  }
+        };
     case reference::SInt8:
-        return {{-128, 127}, {0, 127}, {-10.25, 99.5}, {-300, 300}, {5, 6}};
+        return {
+            {-128,   127 },
+            {0,      127 },
+            {-10.25, 99.5},
+            {-300,   300 },
+            {5,      6   }
+        };
     case reference::Float32:
     case reference::Float64:
-        return {{-1, 1}, {0, 255}, {0, 1}, {-250.5, 249.75}, {-1e10, 1e10}, {1e-3, 2e-3}, {-100, 155}};
+        return {
+            {-1,     1     },
+            {0,      255   },
+            {0,      1     },
+            {-250.5, 249.75},
+            {-1e10,  1e10  },
+            {1e-3,   2e-3  },
+            {-100,   155   }
+        };
     case reference::SInt64:
-        return {{-9223372036854775808.0, 9223372036854775808.0}, {0, 1000}, {-1e18, 1e17}};
+        return {
+            {-9223372036854775808.0, 9223372036854775808.0},
+            {0,                      1000                 },
+            {-1e18,                  1e17                 }
+        };
     default:
-        return {{-32768, 32767}, {0, 4294967295.0}, {-2147483648.0, 2147483647.0}, {0, 255}, {-10.25, 9999.5}, {5, 6}};
+        return {
+            {-32768,        32767       },
+            {0,             4294967295.0},
+            {-2147483648.0, 2147483647.0},
+            {0,             255         },
+            {-10.25,        9999.5      },
+            {5,             6           }
+        };
     }
 }
 
 /** Output ranges: whole ones, inside, with fractions, shifted, wider than types, of width 0. */
 std::vector<Range> outputRanges(reference::Type i_type)
 {
-    std::vector<Range> ranges{{0, 255}, {0, 1}, {20, 220.5}, {-50, 50}, {0, 300}, {-3.75, 3.25}, {7, 7}, {0, 65535},
-        {250, 1000.5}, {-1e10, 1e10}, {0, 0.01}};
+    std::vector<Range> ranges {
+        {0,     255   },
+        {0,     1     },
+        {20,    220.5 },
+        {-50,   50    },
+        {0,     300   },
+        {-3.75, 3.25  },
+        {7,     7     },
+        {0,     65535 },
+        {250,   1000.5},
+        {-1e10, 1e10  },
+        {0,     0.01  }
+    };
     switch (i_type) {
     case reference::SInt8:
         ranges.push_back({-128, 127});
@@ -157,12 +216,13 @@ bool isStartRange(reference::Type i_type, Range i_range)
     return range.getLow() == i_range.low && range.getHigh() == i_range.high;
 }
 
-/** Converts into a result that holds known pixels, and compares pixels, report and the memory round the result. */
+/** Converts into a result that holds known pixels, and compares pixels, report and the memory round the
+ * result. */
 void expectConversion(const reference::Image& i_source, reference::Type i_to, Range i_input, Range i_output,
     Layout i_sourceLayout = Layout::Compact, Layout i_resultLayout = Layout::Compact)
 {
-    SCOPED_TRACE(describe(i_source.type, i_to, i_input, i_output) + ", " + std::to_string(i_source.width) + " x "
-        + std::to_string(i_source.height) + ", layouts " + std::to_string(int(i_sourceLayout)) + " "
+    SCOPED_TRACE(describe(i_source.type, i_to, i_input, i_output) + ", " + std::to_string(i_source.width)
+        + " x " + std::to_string(i_source.height) + ", layouts " + std::to_string(int(i_sourceLayout)) + " "
         + std::to_string(int(i_resultLayout)));
     const cImg source = toImage(i_source, i_sourceLayout);
     const reference::Image before = randomImage(i_to, i_source.width, i_source.height, 99);
@@ -237,8 +297,8 @@ TEST_P(conversionMatrixTest, NoLayoutOfSourceAndResultChangesThePixels)
                 for (const Layout sourceLayout : everyLayout)
                     for (const Layout resultLayout : everyLayout)
                         for (const int width : {1, 33, 3001})
-                            expectConversion(
-                                randomImage(from, width, 5), to, {10, 200}, {20, 90}, sourceLayout, resultLayout);
+                            expectConversion(randomImage(from, width, 5), to, {10, 200}, {20, 90},
+                                sourceLayout, resultLayout);
 }
 
 TEST_P(conversionMatrixTest, NothingAroundAViewIsWritten)
@@ -261,8 +321,8 @@ TEST_P(conversionMatrixTest, NothingAroundAViewIsWritten)
                     if (inRows && x >= bytes && x < (1 + width) * bytes)
                         continue;
                     ASSERT_EQ(parent.getRow<unsigned char>(unsigned(y))[x], 0x5A)
-                        << reference::nameOf(from) << " -> " << reference::nameOf(to) << ", row " << y << ", byte "
-                        << x;
+                        << reference::nameOf(from) << " -> " << reference::nameOf(to) << ", row " << y
+                        << ", byte " << x;
                 }
             }
         }
@@ -277,7 +337,8 @@ TEST_P(conversionMatrixTest, EveryGreyLevelOfEightBitsIsStretchedAsInTheReferenc
         if (reference::isSupported(reference::UInt8, to))
             for (int low = 0; low < 255; low += 15)
                 for (int high = low + 1; high <= 256; high += 51)
-                    expectConversion(levels, to, {double(low), double(high)}, {double(255 - high), 255.0 - low / 2.0});
+                    expectConversion(
+                        levels, to, {double(low), double(high)}, {double(255 - high), 255.0 - low / 2.0});
 }
 
 TEST_P(conversionMatrixTest, EveryGreyLevelOfSixteenBitsIsStretchedAsInTheReference)
@@ -289,16 +350,24 @@ TEST_P(conversionMatrixTest, EveryGreyLevelOfSixteenBitsIsStretchedAsInTheRefere
     }
     for (const reference::Type to : reference::everyType)
         if (reference::isSupported(reference::UInt16, to))
-            for (const Range& input : {Range{0, 65535}, Range{123, 4567}, Range{0, 254.5}})
-                for (const Range& output : {Range{0, 255}, Range{0, 65535}, Range{-10, 10}, Range{1, 1.5}})
+            for (const Range& input : {
+                     Range {0,   65535},
+                      Range {123, 4567 },
+                      Range {0,   254.5}
+            })
+                for (const Range& output : {
+                         Range {0,   255  },
+                          Range {0,   65535},
+                          Range {-10, 10   },
+                          Range {1,   1.5  }
+                })
                     expectConversion(levels, to, input, output);
 }
 
 namespace {
 
 /** Values that are mapped next to a half, from a few steps of T below it to a few above. */
-template <class T>
-reference::Image imageNextToHalves(reference::Type i_type, Range i_input, Range i_output)
+template <class T> reference::Image imageNextToHalves(reference::Type i_type, Range i_input, Range i_output)
 {
     constexpr int halves = 64, steps = 7;
     reference::Image image(i_type, steps, halves);
@@ -320,13 +389,27 @@ reference::Image imageNextToHalves(reference::Type i_type, Range i_input, Range 
 
 TEST_P(conversionMatrixTest, ValuesNextToAHalfAreRoundedAsInTheReference)
 {
-    for (const Range& input : {Range{-1, 1}, Range{-300, 300}, Range{0, 1000}, Range{-1e6, 3e6}, Range{10.25, 11.5}})
-        for (const Range& output : {Range{0, 255}, Range{-128, 127}, Range{-300, 300}, Range{-5.5, 100.25},
-                 Range{0, 65535}, Range{-2147483648.0, 2147483647.0}})
+    for (const Range& input : {
+             Range {-1,    1   },
+              Range {-300,  300 },
+              Range {0,     1000},
+              Range {-1e6,  3e6 },
+              Range {10.25, 11.5}
+    })
+        for (const Range& output : {
+                 Range {0,             255         },
+                  Range {-128,          127         },
+                  Range {-300,          300         },
+                  Range {-5.5,          100.25      },
+                  Range {0,             65535       },
+                 Range {-2147483648.0, 2147483647.0}
+        })
             for (const reference::Type to : reference::everyType)
                 if (reference::isSupported(reference::Float64, to)) {
-                    expectConversion(imageNextToHalves<double>(reference::Float64, input, output), to, input, output);
-                    expectConversion(imageNextToHalves<float>(reference::Float32, input, output), to, input, output);
+                    expectConversion(
+                        imageNextToHalves<double>(reference::Float64, input, output), to, input, output);
+                    expectConversion(
+                        imageNextToHalves<float>(reference::Float32, input, output), to, input, output);
                 }
 }
 
@@ -337,6 +420,11 @@ TEST_P(conversionMatrixTest, MappingsOntoHalvesAreRoundedAsInTheReference)
         {reference::UInt8, reference::SInt8, reference::UInt16, reference::SInt16, reference::SInt32})
         for (const reference::Type to : reference::everyType)
             if (reference::isSupported(from, to))
-                for (const Range& output : {Range{0, 50}, Range{-25, 25}, Range{0.5, 100.5}, Range{-0.5, 99.5}})
+                for (const Range& output : {
+                         Range {0,    50   },
+                          Range {-25,  25   },
+                          Range {0.5,  100.5},
+                          Range {-0.5, 99.5 }
+                })
                     expectConversion(randomImage(from, 300, 3), to, {0, 100}, output);
 }

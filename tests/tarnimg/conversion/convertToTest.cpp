@@ -26,16 +26,14 @@ cMapObj oneRange(const char* i_key, double i_low, double i_high)
 }
 
 /** A row of pixels of type T. */
-template <class T>
-cImg rowOf(cImgType::ImageTypes i_type, std::initializer_list<T> i_values)
+template <class T> cImg rowOf(cImgType::ImageTypes i_type, std::initializer_list<T> i_values)
 {
     cImg image(i_type, unsigned(i_values.size()), 1);
     std::copy(i_values.begin(), i_values.end(), image.row<T>(0));
     return image;
 }
 
-template <class T>
-std::vector<T> valuesOf(const cImg& i_image)
+template <class T> std::vector<T> valuesOf(const cImg& i_image)
 {
     return {i_image.getRow<T>(0), i_image.getRow<T>(0) + i_image.getWidth()};
 }
@@ -53,8 +51,8 @@ testing::AssertionResult hasRange(const cImg& i_image, double i_low, double i_hi
 }
 
 constexpr auto everyLibraryType = {cImgType::RGB24, cImgType::RGB32, cImgType::UInt8, cImgType::UInt16,
-    cImgType::UInt32, cImgType::SInt8, cImgType::SInt16, cImgType::SInt32, cImgType::SInt64, cImgType::Float32,
-    cImgType::Float64, cImgType::Gradient16, cImgType::Gradient32, cImgType::Complex};
+    cImgType::UInt32, cImgType::SInt8, cImgType::SInt16, cImgType::SInt32, cImgType::SInt64,
+    cImgType::Float32, cImgType::Float64, cImgType::Gradient16, cImgType::Gradient32, cImgType::Complex};
 
 bool isSupported(cImgType::ImageTypes i_source, cImgType::ImageTypes i_target)
 {
@@ -65,7 +63,8 @@ bool isSupported(cImgType::ImageTypes i_source, cImgType::ImageTypes i_target)
 
 } // namespace
 
-// ---- Which pairs convert, and what is reported -----------------------------------------------------------------
+// ---- Which pairs convert, and what is reported
+// -----------------------------------------------------------------
 
 TEST(convertToTest, EveryPairConvertsOrIsReportedAsNotSupported)
 {
@@ -84,7 +83,8 @@ TEST(convertToTest, EveryPairConvertsOrIsReportedAsNotSupported)
                 EXPECT_EQ(result.getSize(), source.getSize());
             } else {
                 EXPECT_EQ(trace.take(),
-                    QStringList{QStringLiteral("Conversion is not supported: %1 -> %2.").arg(fromName, toName)});
+                    QStringList {
+                        QStringLiteral("Conversion is not supported: %1 -> %2.").arg(fromName, toName)});
                 EXPECT_FALSE(result.isValid());
             }
         }
@@ -100,9 +100,10 @@ TEST(convertToTest, ADescriptorOfAnotherTypeThanTheSourceIsRefused)
     const auto sint8 = descriptor(cImgType::SInt8), float32 = descriptor(cImgType::Float32);
     EXPECT_FALSE(sint8->convertTo(source, *float32, result, nullptr));
     // The text names the target where the descriptor would be right.
-    EXPECT_EQ(trace.take(), QStringList{QStringLiteral("Source image type must be of type Float32 but is UInt16.")});
+    EXPECT_EQ(trace.take(),
+        QStringList {QStringLiteral("Source image type must be of type Float32 but is UInt16.")});
     EXPECT_EQ(result.getConstData(), before.getConstData());
-    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8>{7, 8}));
+    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8> {7, 8}));
 }
 
 TEST(convertToTest, AnInvalidSourceIsRefused)
@@ -110,7 +111,8 @@ TEST(convertToTest, AnInvalidSourceIsRefused)
     TraceLines trace;
     cImg result;
     EXPECT_FALSE(cImg().convertTo(cImgType::UInt16, result));
-    EXPECT_EQ(trace.take(), QStringList{QStringLiteral("Source image type must be of type UInt16 but is UInt8.")});
+    EXPECT_EQ(
+        trace.take(), QStringList {QStringLiteral("Source image type must be of type UInt16 but is UInt8.")});
     EXPECT_FALSE(result.isValid());
 }
 
@@ -143,18 +145,19 @@ TEST(convertToTest, ARangeWithoutWidthIsReportedAndLeavesThePixels)
     TraceLines trace;
     const cMapObj params = oneRange("outputRange", 5, 5);
     EXPECT_TRUE(source.convertTo(cImgType::UInt8, result, &params));
-    EXPECT_EQ(trace.take(), QStringList{QStringLiteral("Invalid range detected.")});
-    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8>{7, 8}));
+    EXPECT_EQ(trace.take(), QStringList {QStringLiteral("Invalid range detected.")});
+    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8> {7, 8}));
     EXPECT_TRUE(hasRange(result, 5, 5));
 }
 
-// ---- Pixels of plain cases, worked out by hand -----------------------------------------------------------------
+// ---- Pixels of plain cases, worked out by hand
+// -----------------------------------------------------------------
 
 TEST(convertToTest, UInt8IsStretchedOverAllOfUInt16)
 {
     cImg result;
     ASSERT_TRUE(rowOf<quint8>(cImgType::UInt8, {0, 1, 128, 255}).convertTo(cImgType::UInt16, result));
-    EXPECT_EQ(valuesOf<quint16>(result), (std::vector<quint16>{0, 257, 32896, 65535}));
+    EXPECT_EQ(valuesOf<quint16>(result), (std::vector<quint16> {0, 257, 32896, 65535}));
     EXPECT_TRUE(hasRange(result, 0, 65535));
 }
 
@@ -163,12 +166,12 @@ TEST(convertToTest, UInt16KeepsItsValuesAsFloat)
     cImg source = rowOf<quint16>(cImgType::UInt16, {0, 1, 1000, 65535});
     cImg result;
     ASSERT_TRUE(source.convertTo(cImgType::Float32, result));
-    EXPECT_EQ(valuesOf<float>(result), (std::vector<float>{0, 1, 1000, 65535}));
+    EXPECT_EQ(valuesOf<float>(result), (std::vector<float> {0, 1, 1000, 65535}));
     EXPECT_TRUE(hasRange(result, 0, 65535));
 
     source.setRange(100, 2000); // limits, and keeps what lies inside
     ASSERT_TRUE(source.convertTo(cImgType::Float32, result));
-    EXPECT_EQ(valuesOf<float>(result), (std::vector<float>{100, 100, 1000, 2000}));
+    EXPECT_EQ(valuesOf<float>(result), (std::vector<float> {100, 100, 1000, 2000}));
     EXPECT_TRUE(hasRange(result, 100, 2000));
 }
 
@@ -176,7 +179,8 @@ TEST(convertToTest, FloatsFromMinusOneToOneFillAByte)
 {
     cImg result;
     ASSERT_TRUE(rowOf<float>(cImgType::Float32, {-7, -1, 0, 1, 7}).convertTo(cImgType::UInt8, result));
-    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8>{0, 0, 127, 255, 255})); // 1 / (2 / 255) is less than 127.5 in float
+    EXPECT_EQ(valuesOf<quint8>(result),
+        (std::vector<quint8> {0, 0, 127, 255, 255})); // 1 / (2 / 255) is less than 127.5 in float
 }
 
 TEST(convertToTest, NotANumberBecomesTheLeastValueOfAChainAndZeroElsewhere)
@@ -200,7 +204,7 @@ TEST(convertToTest, TheGenericMappingRoundsHalvesUpwardsForAllSigns)
     const cMapObj params = rangeParams({-100, 100}, {-100, 100});
     cImg result;
     ASSERT_TRUE(source.convertTo(cImgType::SInt16, result, &params));
-    EXPECT_EQ(valuesOf<qint16>(result), (std::vector<qint16>{-2, -1, 0, 1, 2, 3}));
+    EXPECT_EQ(valuesOf<qint16>(result), (std::vector<qint16> {-2, -1, 0, 1, 2, 3}));
 }
 
 TEST(convertToTest, AValueBeyondAnIntegerTypeKeepsItsLowBits)
@@ -208,7 +212,7 @@ TEST(convertToTest, AValueBeyondAnIntegerTypeKeepsItsLowBits)
     const cMapObj params = rangeParams({-128, 127}, {172, 427}); // the value plus 300
     cImg result;
     ASSERT_TRUE(rowOf<qint8>(cImgType::SInt8, {-128, 0, 127}).convertTo(cImgType::UInt8, result, &params));
-    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8>{172, 44, 171}));
+    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8> {172, 44, 171}));
 }
 
 TEST(convertToTest, AnEightBitFactorOf256OrMoreWraps)
@@ -217,7 +221,7 @@ TEST(convertToTest, AnEightBitFactorOf256OrMoreWraps)
     const cMapObj params = rangeParams({11, 12}, {0, 257}); // a factor of 257 is cut to 1
     cImg result;
     ASSERT_TRUE(source.convertTo(cImgType::UInt8, result, &params));
-    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8>{0, 0, 1, 1}));
+    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8> {0, 0, 1, 1}));
 }
 
 TEST(convertToTest, Rgb32TakesTheFirstAlphaOnlyIfTheInputRangeLimits)
@@ -225,14 +229,15 @@ TEST(convertToTest, Rgb32TakesTheFirstAlphaOnlyIfTheInputRangeLimits)
     cImg source(cImgType::RGB32, 2, 1), result;
     const quint8 pixels[] = {10, 20, 250, 77, 30, 40, 50, 88};
     std::memcpy(source.getData(), pixels, 8);
-    const auto bytes = [&result] { return std::vector<quint8>(result.getConstData(), result.getConstData() + 8); };
+    const auto bytes
+        = [&result] { return std::vector<quint8>(result.getConstData(), result.getConstData() + 8); };
 
     const cMapObj shift = rangeParams({0, 255}, {5, 260});
     ASSERT_TRUE(source.convertTo(cImgType::RGB32, result, &shift));
-    EXPECT_EQ(bytes(), (std::vector<quint8>{15, 25, 255, 77, 35, 45, 55, 88}));
+    EXPECT_EQ(bytes(), (std::vector<quint8> {15, 25, 255, 77, 35, 45, 55, 88}));
     const cMapObj limit = rangeParams({0, 40}, {0, 40});
     ASSERT_TRUE(source.convertTo(cImgType::RGB32, result, &limit));
-    EXPECT_EQ(bytes(), (std::vector<quint8>{10, 20, 40, 77, 30, 40, 40, 77}));
+    EXPECT_EQ(bytes(), (std::vector<quint8> {10, 20, 40, 77, 30, 40, 40, 77}));
 }
 
 TEST(convertToTest, TheColourTypesDoNotLimitEachOther)
@@ -243,11 +248,11 @@ TEST(convertToTest, TheColourTypesDoNotLimitEachOther)
     const cMapObj limit = rangeParams({0, 40}, {0, 40});
     ASSERT_TRUE(source.convertTo(cImgType::RGB32, result, &limit));
     EXPECT_EQ((std::vector<quint8>(result.getConstData(), result.getConstData() + 4)),
-        (std::vector<quint8>{10, 100, 250, 255}));
+        (std::vector<quint8> {10, 100, 250, 255}));
     cImg back;
     ASSERT_TRUE(result.convertTo(cImgType::RGB24, back, &limit));
     EXPECT_EQ((std::vector<quint8>(back.getConstData(), back.getConstData() + 3)),
-        (std::vector<quint8>{10, 100, 250}));
+        (std::vector<quint8> {10, 100, 250}));
 }
 
 TEST(convertToTest, GreyOfRgb24LosesTheLowEndTwiceAtTheStartOfEachRowButTheFirst)
@@ -256,7 +261,7 @@ TEST(convertToTest, GreyOfRgb24LosesTheLowEndTwiceAtTheStartOfEachRowButTheFirst
     std::memset(source.getData(), 100, 18);
     const cMapObj params = rangeParams({30, 255}, {0, 225});
     ASSERT_TRUE(source.convertTo(cImgType::UInt8, result, &params));
-    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8>{70, 70, 70}));
+    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8> {70, 70, 70}));
     // Three bytes, one for each pixel of a row, are reached from the row before.
     EXPECT_EQ(result.getPixel<quint8>(0, 1), 40);
     EXPECT_EQ(result.getPixel<quint8>(1, 1), 70);
@@ -279,7 +284,8 @@ TEST(convertToTest, GradientsAndComplexNumbersAreCopied)
     }
 }
 
-// ---- Where the ranges come from --------------------------------------------------------------------------------
+// ---- Where the ranges come from
+// --------------------------------------------------------------------------------
 
 TEST(convertToTest, AnInputRangeOfZeroToZeroIsNoInputRange)
 {
@@ -292,7 +298,7 @@ TEST(convertToTest, AnInputRangeOfZeroToZeroIsNoInputRange)
         ASSERT_TRUE(source.convertTo(cImgType::UInt8, result, &params));
         EXPECT_EQ(valuesOf<quint8>(result), valuesOf<quint8>(expected));
     }
-    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8>{0, 127, 255})); // 50 * 2.55 is less than 127.5
+    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8> {0, 127, 255})); // 50 * 2.55 is less than 127.5
 }
 
 TEST(convertToTest, AnInputRangeWithoutWidthIsNoInputRange)
@@ -301,7 +307,7 @@ TEST(convertToTest, AnInputRangeWithoutWidthIsNoInputRange)
     const cMapObj params = oneRange("inputRange", 5, 5);
     cImg result;
     ASSERT_TRUE(source.convertTo(cImgType::UInt8, result, &params));
-    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8>{0, 255}));
+    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8> {0, 255}));
 }
 
 TEST(convertToTest, ASourceRangeWithoutWidthDropsTheOutputRange)
@@ -316,7 +322,7 @@ TEST(convertToTest, ASourceRangeWithoutWidthDropsTheOutputRange)
     EXPECT_TRUE(trace.take().isEmpty());
     ASSERT_TRUE(source.convertTo(cImgType::SInt16, result, &params));
     EXPECT_TRUE(hasRange(result, -32768, 32767));
-    EXPECT_EQ(trace.take(), QStringList{QStringLiteral("Invalid range detected.")});
+    EXPECT_EQ(trace.take(), QStringList {QStringLiteral("Invalid range detected.")});
 }
 
 TEST(convertToTest, ATargetDescriptorChoosesTheOutputRangeOfIntegers)
@@ -326,7 +332,7 @@ TEST(convertToTest, ATargetDescriptorChoosesTheOutputRangeOfIntegers)
     target->setRange({10, 20});
     cImg result;
     ASSERT_TRUE(source.convertTo(*target, result));
-    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8>{10, 20}));
+    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8> {10, 20}));
     EXPECT_TRUE(hasRange(result, 10, 20));
 }
 
@@ -336,7 +342,7 @@ TEST(convertToTest, ATargetDescriptorMayBeTheResultsOwn)
     cImg result(cImgType::UInt8, 7, 7); // replaced, as its size is another
     result.setRange(10, 20);
     ASSERT_TRUE(source.convertTo(result.getImgType(), result));
-    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8>{10, 20}));
+    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8> {10, 20}));
 }
 
 TEST(convertToTest, TheRangeOfTheResultIsLimitedButNotTheMapping)
@@ -345,14 +351,15 @@ TEST(convertToTest, TheRangeOfTheResultIsLimitedButNotTheMapping)
     cImg result;
     ASSERT_TRUE(rowOf<qint8>(cImgType::SInt8, {-128, 127}).convertTo(cImgType::UInt8, result, &params));
     EXPECT_TRUE(hasRange(result, 0, 200));
-    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8>{201, 200}));
+    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8> {201, 200}));
 }
 
 TEST(convertToTest, AFloatResultShowsTheSourcesRangeOfSomeTypesOnly)
 {
     for (const auto target : {cImgType::Float32, cImgType::Float64}) {
-        for (const auto from : {cImgType::RGB24, cImgType::RGB32, cImgType::UInt8, cImgType::UInt16, cImgType::UInt32,
-                 cImgType::SInt8, cImgType::SInt16, cImgType::SInt32, cImgType::Float32, cImgType::Float64}) {
+        for (const auto from :
+            {cImgType::RGB24, cImgType::RGB32, cImgType::UInt8, cImgType::UInt16, cImgType::UInt32,
+                cImgType::SInt8, cImgType::SInt16, cImgType::SInt32, cImgType::Float32, cImgType::Float64}) {
             cImg source(from, 2, 1), result;
             std::memset(source.getData(), 0, source.getFrameSize());
             source.setRange(3, 99);
@@ -373,19 +380,20 @@ TEST(convertToTest, EqualRangesOfOneTypeCopyThePixelsUnlimited)
     const cMapObj same = rangeParams({-1, 1}, {-1, 1});
     cImg result;
     ASSERT_TRUE(floats.convertTo(cImgType::Float32, result, &same));
-    EXPECT_EQ(valuesOf<float>(result), (std::vector<float>{-7, 0.3f, 7}));
+    EXPECT_EQ(valuesOf<float>(result), (std::vector<float> {-7, 0.3f, 7}));
     const cMapObj other = rangeParams({-1, 1}, {-2, 2});
     ASSERT_TRUE(floats.convertTo(cImgType::Float32, result, &other));
-    EXPECT_EQ(valuesOf<float>(result), (std::vector<float>{-2, (0.3f + 1) / 0.5f - 2, 2}));
+    EXPECT_EQ(valuesOf<float>(result), (std::vector<float> {-2, (0.3f + 1) / 0.5f - 2, 2}));
 
     cImg bytes = rowOf<quint8>(cImgType::UInt8, {1, 100, 200});
     bytes.setRange(50, 150); // the input range is the descriptor's, so this is a copy too
     ASSERT_TRUE(bytes.convertTo(cImgType::UInt8, result));
-    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8>{1, 100, 200}));
+    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8> {1, 100, 200}));
     EXPECT_TRUE(hasRange(result, 0, 255));
 }
 
-// ---- The result ------------------------------------------------------------------------------------------------
+// ---- The result
+// ------------------------------------------------------------------------------------------------
 
 TEST(convertToTest, AResultThatFitsKeepsItsMemory)
 {
@@ -394,18 +402,19 @@ TEST(convertToTest, AResultThatFitsKeepsItsMemory)
     const unsigned char* memory = result.getConstData();
     ASSERT_TRUE(source.convertTo(cImgType::UInt16, result));
     EXPECT_EQ(result.getConstData(), memory);
-    EXPECT_EQ(valuesOf<quint16>(result), (std::vector<quint16>{0, 65535}));
+    EXPECT_EQ(valuesOf<quint16>(result), (std::vector<quint16> {0, 65535}));
 }
 
 TEST(convertToTest, AResultOfAnotherSizeOrTypeIsReplaced)
 {
     const cImg source = rowOf<quint8>(cImgType::UInt8, {0, 255});
-    for (cImg result : {cImg(cImgType::UInt16, 3, 1), cImg(cImgType::UInt16, 1, 2), cImg(cImgType::Float32, 2, 1)}) {
+    for (cImg result :
+        {cImg(cImgType::UInt16, 3, 1), cImg(cImgType::UInt16, 1, 2), cImg(cImgType::Float32, 2, 1)}) {
         const cImg before = result;
         const cDblRange range = before.getRange();
         ASSERT_TRUE(source.convertTo(cImgType::UInt16, result));
         EXPECT_EQ(result.getSize(), QSize(2, 1));
-        EXPECT_EQ(valuesOf<quint16>(result), (std::vector<quint16>{0, 65535}));
+        EXPECT_EQ(valuesOf<quint16>(result), (std::vector<quint16> {0, 65535}));
         EXPECT_NE(result.getConstData(), before.getConstData());
         EXPECT_EQ(before.getRange(), range);
     }
@@ -417,8 +426,8 @@ TEST(convertToTest, ImagesThatShareWithTheResultAreNotWritten)
     cImg result = rowOf<quint16>(cImgType::UInt16, {7, 8});
     const cImg other = result;
     ASSERT_TRUE(source.convertTo(cImgType::UInt16, result));
-    EXPECT_EQ(valuesOf<quint16>(other), (std::vector<quint16>{7, 8}));
-    EXPECT_EQ(valuesOf<quint16>(result), (std::vector<quint16>{0, 65535}));
+    EXPECT_EQ(valuesOf<quint16>(other), (std::vector<quint16> {7, 8}));
+    EXPECT_EQ(valuesOf<quint16>(result), (std::vector<quint16> {0, 65535}));
 }
 
 TEST(convertToTest, TheResultGetsAttributesNameAndFrames)
@@ -439,14 +448,15 @@ TEST(convertToTest, TheResultGetsAttributesNameAndFrames)
     EXPECT_EQ(exposure, 12);
 }
 
-// ---- Source and result are one image ---------------------------------------------------------------------------
+// ---- Source and result are one image
+// ---------------------------------------------------------------------------
 
 TEST(convertToTest, TheFormWithATypeIdRefusesTheSourceAsResult)
 {
     cImg image = rowOf<quint8>(cImgType::UInt8, {1, 2});
     EXPECT_FALSE(image.convertTo(cImgType::UInt16, image));
     EXPECT_FALSE(image.convertTo(cImgType::UInt8, image));
-    EXPECT_EQ(valuesOf<quint8>(image), (std::vector<quint8>{1, 2}));
+    EXPECT_EQ(valuesOf<quint8>(image), (std::vector<quint8> {1, 2}));
 }
 
 TEST(convertToTest, TheFormWithADescriptorConvertsAnImageIntoItself)
@@ -473,11 +483,12 @@ TEST(convertToTest, AResultThatSharesTheSourcesRecordParts)
     cImg result = source;
     const cMapObj params = rangeParams({0, 100}, {0, 50});
     ASSERT_TRUE(source.convertTo(cImgType::UInt8, result, &params));
-    EXPECT_EQ(valuesOf<quint8>(source), (std::vector<quint8>{0, 100, 200}));
-    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8>{0, 50, 50}));
+    EXPECT_EQ(valuesOf<quint8>(source), (std::vector<quint8> {0, 100, 200}));
+    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8> {0, 50, 50}));
 }
 
-// ---- Several channels ------------------------------------------------------------------------------------------
+// ---- Several channels
+// ------------------------------------------------------------------------------------------
 
 TEST(convertToTest, OfSeveralChannelsAsManyElementsAsPixelsAreConverted)
 {
@@ -489,7 +500,7 @@ TEST(convertToTest, OfSeveralChannelsAsManyElementsAsPixelsAreConverted)
         cImg result;
         ASSERT_TRUE(source.convertTo(target, result, &params));
         EXPECT_EQ(result.getNumChannels(), 1u);
-        EXPECT_EQ(valuesOf<quint16>(result), (std::vector<quint16>{0, 20}));
+        EXPECT_EQ(valuesOf<quint16>(result), (std::vector<quint16> {0, 20}));
         EXPECT_EQ(result.getPixel<quint16>(0, 1), 120);
         EXPECT_EQ(result.getPixel<quint16>(1, 1), 140);
     }
@@ -502,7 +513,7 @@ TEST(convertToTest, ACopyOfSeveralChannelsTakesAsManyBytesAsTheResultHas)
         source.getData()[i] = uchar(i);
     cImg result;
     ASSERT_TRUE(source.convertTo(cImgType::UInt8, result));
-    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8>{0, 1}));
+    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8> {0, 1}));
 
     // The other way round the result asks for more than the source has.
     cImg wide(cImgType::UInt8, 2, 1, 3);
@@ -513,15 +524,16 @@ TEST(convertToTest, ACopyOfSeveralChannelsTakesAsManyBytesAsTheResultHas)
     EXPECT_EQ(wide.getConstData()[1], 6);
 }
 
-// ---- Memory from outside ---------------------------------------------------------------------------------------
+// ---- Memory from outside
+// ---------------------------------------------------------------------------------------
 
 TEST(convertToTest, RoomBetweenThePixelsOfOutsideMemoryIsSkipped)
 {
-    std::vector<unsigned char> sourceMemory{1, 99, 2, 99, 3, 99, 4, 99}, resultMemory(12, 77);
+    std::vector<unsigned char> sourceMemory {1, 99, 2, 99, 3, 99, 4, 99}, resultMemory(12, 77);
     const cImg source(cImgType::UInt8, 2, 2, 2, 4, sourceMemory.data(), {}, 1);
     cImg result(cImgType::UInt16, 2, 2, 3, 6, resultMemory.data(), {}, 1);
     const cMapObj params = rangeParams({0, 255}, {0, 255});
     ASSERT_TRUE(source.convertTo(cImgType::UInt16, result, &params));
-    EXPECT_EQ(resultMemory, (std::vector<unsigned char>{1, 0, 77, 2, 0, 77, 3, 0, 77, 4, 0, 77}));
+    EXPECT_EQ(resultMemory, (std::vector<unsigned char> {1, 0, 77, 2, 0, 77, 3, 0, 77, 4, 0, 77}));
     EXPECT_EQ(result.getConstData(), resultMemory.data());
 }

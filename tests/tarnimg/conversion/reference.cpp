@@ -10,28 +10,22 @@ namespace reference {
 
 namespace {
 
-template <class T>
-T load(const Image& i_image, size_t i_index)
+template <class T> T load(const Image& i_image, size_t i_index)
 {
     T value;
     std::memcpy(&value, i_image.bytes.data() + i_index * sizeof(T), sizeof(T));
     return value;
 }
 
-template <class T>
-void store(Image& io_image, size_t i_index, T i_value)
+template <class T> void store(Image& io_image, size_t i_index, T i_value)
 {
     std::memcpy(io_image.bytes.data() + i_index * sizeof(T), &i_value, sizeof(T));
 }
 
-size_t pixelCount(const Image& i_image)
-{
-    return size_t(i_image.width) * i_image.height;
-}
+size_t pixelCount(const Image& i_image) { return size_t(i_image.width) * i_image.height; }
 
 /** Calls a generic lambda with a value of the element type. */
-template <class Function>
-void withElement(Type i_type, Function&& i_function)
+template <class Function> void withElement(Type i_type, Function&& i_function)
 {
     switch (i_type) {
     case UInt8:
@@ -55,11 +49,11 @@ void withElement(Type i_type, Function&& i_function)
     }
 }
 
-// ---- The generic conversion ------------------------------------------------------------------------------------
+// ---- The generic conversion
+// ------------------------------------------------------------------------------------
 
 /** The low bits of a whole number; what is not finite is 0. */
-template <class T>
-T lowBits(double i_whole)
+template <class T> T lowBits(double i_whole)
 {
     if (!std::isfinite(i_whole))
         return 0;
@@ -75,8 +69,7 @@ T lowBits(double i_whole)
     }
 }
 
-template <class D>
-D narrowed(double w)
+template <class D> D narrowed(double w)
 {
     if constexpr (std::is_floating_point_v<D>) {
         return D(w);
@@ -109,17 +102,13 @@ Outcome generic(const Image& i_source, Image& io_result, Range i_input, Range i_
     return Outcome::Written;
 }
 
-// ---- The integer steps -----------------------------------------------------------------------------------------
+// ---- The integer steps
+// -----------------------------------------------------------------------------------------
 
-template <class T>
-long cut(double i_value)
-{
-    return long(lowBits<T>(std::trunc(i_value)));
-}
+template <class T> long cut(double i_value) { return long(lowBits<T>(std::trunc(i_value))); }
 
 /** Value / 2^scale, rounded to nearest, ties to even, limited to T. */
-template <class T>
-T scaled(long long i_value, int i_scale)
+template <class T> T scaled(long long i_value, int i_scale)
 {
     long long quotient = i_value;
     if (i_scale >= 40) { // products of 16 bits
@@ -136,8 +125,7 @@ T scaled(long long i_value, int i_scale)
 }
 
 /** Limits; false if the cut ends are out of order, with nothing done. */
-template <class T>
-bool limit(Image& io_image, Range i_range)
+template <class T> bool limit(Image& io_image, Range i_range)
 {
     const long low = cut<T>(i_range.low), high = cut<T>(i_range.high);
     if (low > high)
@@ -154,8 +142,7 @@ bool isLimiting(Range i_input, double i_greatest)
     return !(i_input.low == 0 && i_input.high >= i_greatest);
 }
 
-template <class T>
-void subtract(Image& io_image, double i_low)
+template <class T> void subtract(Image& io_image, double i_low)
 {
     if (i_low != 0)
         for (size_t i = 0; i < io_image.bytes.size() / sizeof(T); ++i)
@@ -163,8 +150,7 @@ void subtract(Image& io_image, double i_low)
 }
 
 /** Multiply and add; of four-byte pixels the fourth byte is left out. */
-template <class T>
-void stretch(Image& io_image, Range i_input, Range i_output)
+template <class T> void stretch(Image& io_image, Range i_input, Range i_output)
 {
     const bool hasAlpha = io_image.type == RGB32;
     const double f = (i_output.high - i_output.low) / (i_input.high - i_input.low);
@@ -187,8 +173,7 @@ void stretch(Image& io_image, Range i_input, Range i_output)
 }
 
 /** The limited copy of a source; the source as it is if its ends are refused. */
-template <class T>
-Image limitedCopy(const Image& i_source, Range i_input)
+template <class T> Image limitedCopy(const Image& i_source, Range i_input)
 {
     Image copy = i_source;
     if (isLimiting(i_input, std::numeric_limits<T>::max()))
@@ -196,8 +181,7 @@ Image limitedCopy(const Image& i_source, Range i_input)
     return copy;
 }
 
-template <class T>
-Outcome sameType(const Image& i_source, Image& io_result, Range i_input, Range i_output)
+template <class T> Outcome sameType(const Image& i_source, Image& io_result, Range i_input, Range i_output)
 {
     Outcome outcome = Outcome::Written;
     if (isLimiting(i_input, std::numeric_limits<T>::max())) {
@@ -223,7 +207,8 @@ Outcome sameType(const Image& i_source, Image& io_result, Range i_input, Range i
     return outcome;
 }
 
-// ---- Colours ---------------------------------------------------------------------------------------------------
+// ---- Colours
+// ---------------------------------------------------------------------------------------------------
 
 void greyToColour(const Image& i_source, Image& io_result, Range i_input, Range i_output)
 {
@@ -278,7 +263,8 @@ void colourToGrey(const Image& i_source, Image& io_result, Range i_input, Range 
     stretch<uint8_t>(io_result, i_input, i_output);
 }
 
-// ---- Between 8 and 16 bits -------------------------------------------------------------------------------------
+// ---- Between 8 and 16 bits
+// -------------------------------------------------------------------------------------
 
 void widen(const Image& i_source, Image& io_result, Range i_input, Range i_output)
 {
@@ -298,10 +284,10 @@ void narrow(const Image& i_source, Image& io_result, Range i_input, Range i_outp
         io_result.bytes[i] = uint8_t(std::min<int>(load<uint16_t>(copy, i), 255));
 }
 
-// ---- Floats ----------------------------------------------------------------------------------------------------
+// ---- Floats
+// ----------------------------------------------------------------------------------------------------
 
-template <class T>
-void toFloat(const Image& i_source, Image& io_result, Range i_input, Range i_output)
+template <class T> void toFloat(const Image& i_source, Image& io_result, Range i_input, Range i_output)
 {
     const Image copy = limitedCopy<T>(i_source, i_input);
     for (size_t i = 0; i < pixelCount(copy); ++i) {
@@ -330,8 +316,7 @@ float fromFloatStretched(float v, Range i_input, Range i_output)
 }
 
 /** To nearest, ties to even, limited; NaN becomes the least value. */
-template <class D>
-D roundedFloat(float v)
+template <class D> D roundedFloat(float v)
 {
     constexpr double least = std::numeric_limits<D>::min(), greatest = std::numeric_limits<D>::max();
     if (!(v > least))
@@ -366,17 +351,14 @@ void fromFloat(const Image& i_source, Image& io_result, Range i_input, Range i_o
     }
 }
 
-bool isColour(Type i_type)
-{
-    return i_type == RGB24 || i_type == RGB32;
-}
+bool isColour(Type i_type) { return i_type == RGB24 || i_type == RGB32; }
 
 } // namespace
 
 const char* nameOf(Type i_type)
 {
-    static constexpr const char* s_names[]
-        = {"", "RGB24", "RGB32", "UInt8", "UInt16", "UInt32", "SInt8", "SInt16", "SInt32", "SInt64", "Float32", "Float64"};
+    static constexpr const char* s_names[] = {"", "RGB24", "RGB32", "UInt8", "UInt16", "UInt32", "SInt8",
+        "SInt16", "SInt32", "SInt64", "Float32", "Float64"};
     return s_names[i_type];
 }
 

@@ -5,8 +5,8 @@
 #include <vector>
 
 /**
- * The conversion of pixels written down step by step over whole images, slowly, from its definition. It uses nothing of
- * the library: types have the library's numbers, images are bytes without gaps.
+ * The conversion of pixels written down step by step over whole images, slowly, from its definition. It uses
+ * nothing of the library: types have the library's numbers, images are bytes without gaps.
  */
 namespace reference {
 
@@ -29,7 +29,10 @@ struct Image {
     std::vector<uint8_t> bytes;
 
     Image(Type i_type, int i_width, int i_height)
-        : type(i_type), width(i_width), height(i_height), bytes(size_t(i_width) * i_height * pixelBytes(i_type))
+        : type(i_type),
+          width(i_width),
+          height(i_height),
+          bytes(size_t(i_width) * i_height * pixelBytes(i_type))
     {
     }
 };
@@ -45,7 +48,8 @@ enum class Outcome {
     Nothing ///< the ranges are refused, with a report, and the result keeps its pixels
 };
 
-/** Converts the pixels; the result comes with the pixels that it held before. The pair of types must be supported. */
+/** Converts the pixels; the result comes with the pixels that it held before. The pair of types must be
+ * supported. */
 Outcome convert(const Image& i_source, Image& io_result, Range i_input, Range i_output);
 
 } // namespace reference

@@ -12,7 +12,8 @@
 #include <random>
 #include <vector>
 
-/** The library loads its types when it is linked; these helpers turn the reference's images into its own and back. */
+/** The library loads its types when it is linked; these helpers turn the reference's images into its own and
+ * back. */
 namespace testImages {
 
 /** How an image lies in memory. */
@@ -21,10 +22,7 @@ enum class Layout { Compact, View, Outside, MisalignedOutside };
 inline constexpr Layout everyLayout[]
     = {Layout::Compact, Layout::View, Layout::Outside, Layout::MisalignedOutside};
 
-inline cImgType::ImageTypes libraryType(reference::Type i_type)
-{
-    return cImgType::ImageTypes(i_type);
-}
+inline cImgType::ImageTypes libraryType(reference::Type i_type) { return cImgType::ImageTypes(i_type); }
 
 /** An image with the pixels of another, within memory full of 0xA5. */
 inline cImg toImage(const reference::Image& i_image, Layout i_layout = Layout::Compact)
@@ -50,8 +48,9 @@ inline cImg toImage(const reference::Image& i_image, Layout i_layout = Layout::C
         // The last row ends with the memory, so that a sanitizer sees the first byte too many.
         auto* memory = new unsigned char[shift + pitch * height];
         std::memset(memory, 0xA5, shift + pitch * height);
-        image = cImg(libraryType(i_image.type), width, height, unsigned(pixelBytes), unsigned(pitch),
-            memory + shift, [memory](void*) { delete[] memory; }, 1);
+        image = cImg(
+            libraryType(i_image.type), width, height, unsigned(pixelBytes), unsigned(pitch), memory + shift,
+            [memory](void*) { delete[] memory; }, 1);
         break;
     }
     }
@@ -63,8 +62,8 @@ inline cImg toImage(const reference::Image& i_image, Layout i_layout = Layout::C
 
 inline reference::Image fromImage(const cImg& i_image)
 {
-    reference::Image image(reference::Type(i_image.getImgType().getTypeId()), int(i_image.getWidth()),
-        int(i_image.getHeight()));
+    reference::Image image(
+        reference::Type(i_image.getImgType().getTypeId()), int(i_image.getWidth()), int(i_image.getHeight()));
     const size_t rowBytes = size_t(image.width) * reference::pixelBytes(image.type);
     for (int y = 0; y < image.height; ++y)
         std::memcpy(image.bytes.data() + y * rowBytes,
@@ -72,23 +71,25 @@ inline reference::Image fromImage(const cImg& i_image)
     return image;
 }
 
-template <class T>
-void fillElements(reference::Image& io_image, std::mt19937& io_random)
+template <class T> void fillElements(reference::Image& io_image, std::mt19937& io_random)
 {
     using Limits = std::numeric_limits<T>;
     for (size_t i = 0; i < io_image.bytes.size() / sizeof(T); ++i) {
         T value;
         if constexpr (std::is_floating_point_v<T>) {
-            static constexpr T s_special[] = {T(0), T(-0.0), T(0.5), T(-0.5), T(1.5), T(-1.5), T(2.5), T(-2.5), T(254.5),
-                T(255), T(1e9), T(-1e9), T(1e30), T(-1e30), Limits::infinity(), -Limits::infinity(),
-                Limits::quiet_NaN(), Limits::denorm_min(), T(-129.5), T(65535.5)};
+            static constexpr T s_special[] = {T(0), T(-0.0), T(0.5), T(-0.5), T(1.5), T(-1.5), T(2.5),
+                T(-2.5), T(254.5), T(255), T(1e9), T(-1e9), T(1e30), T(-1e30), Limits::infinity(),
+                -Limits::infinity(), Limits::quiet_NaN(), Limits::denorm_min(), T(-129.5), T(65535.5)};
             const unsigned choice = io_random() % 64;
             value = choice < std::size(s_special) ? s_special[choice]
                 : choice < 48                     ? T(int(io_random() % 2000) - 1000) / T(4)
                                                   : T(std::ldexp(int(io_random() % 200001) - 100000, -16));
         } else {
             const unsigned choice = io_random() % 16;
-            value = choice == 0 ? Limits::min() : choice == 1 ? Limits::max() : choice < 8 ? T(io_random() % 300) - T(20)
+            value = choice == 0 ? Limits::min()
+                : choice == 1   ? Limits::max()
+                : choice < 8
+                ? T(io_random() % 300) - T(20)
                 : T(((unsigned long long)(io_random()) << 32 | io_random()) >> (io_random() % 64));
         }
         std::memcpy(io_image.bytes.data() + i * sizeof(T), &value, sizeof(T));
@@ -132,7 +133,8 @@ inline cMapObj rangeParams(reference::Range i_input, reference::Range i_output)
 {
     cMapObj params;
     params[QStringLiteral("inputRange")] = new cDataValObj<cDblRange>(cDblRange(i_input.low, i_input.high));
-    params[QStringLiteral("outputRange")] = new cDataValObj<cDblRange>(cDblRange(i_output.low, i_output.high));
+    params[QStringLiteral("outputRange")]
+        = new cDataValObj<cDblRange>(cDblRange(i_output.low, i_output.high));
     return params;
 }
 

@@ -84,9 +84,13 @@ TEST_F(cImgBufPool, ACopyOfAnImageDoesNotKeepItsBufferOut)
 TEST_F(cImgBufPool, MemoryFromOutsideNeverEntersThePool)
 {
     std::vector<unsigned char> memory(1000);
-    { const cImg image(cImgType::UInt8, 100, 10, 1, 100, memory.data(), nullptr); }
+    {
+        const cImg image(cImgType::UInt8, 100, 10, 1, 100, memory.data(), nullptr);
+    }
     EXPECT_NE(cImg(cImgType::UInt8, 100, 10).getConstData(), memory.data());
-    { const cImg image(cImgType::UInt8, 100, 10, 1, 100, memory.data(), [](void*) {}); }
+    {
+        const cImg image(cImgType::UInt8, 100, 10, 1, 100, memory.data(), [](void*) {});
+    }
     EXPECT_NE(cImg(cImgType::UInt8, 100, 10).getConstData(), memory.data());
 }
 
@@ -105,7 +109,8 @@ TEST_F(cImgBufPool, WhatResizeLeavesIsNotParked)
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 TEST_F(cImgBufPool, AboutAGigabyteIsKept)
 {
-    // 6e8 bytes each, of which a single one is touched: the second one overshoots the limit, the third stays out.
+    // 6e8 bytes each, of which a single one is touched: the second one overshoots the limit, the third stays
+    // out.
     const auto mark = [](quint8 i_value) {
         cImg image(cImgType::UInt8, 30000, 20000);
         image.setPixel(15000u, 10000u, i_value);

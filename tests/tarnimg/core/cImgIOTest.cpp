@@ -13,8 +13,10 @@ namespace {
 /** A handler that forwards to the base operations and counts its clones. */
 class TestHandler : public cImgIO {
 public:
-    TestHandler(const QString& i_name, const QString& i_filter, QFlags<EFileIOFlag> i_flags, int* io_clones = nullptr)
-        : cImgIO(i_name, i_filter, i_flags), m_clones(io_clones)
+    TestHandler(
+        const QString& i_name, const QString& i_filter, QFlags<EFileIOFlag> i_flags, int* io_clones = nullptr)
+        : cImgIO(i_name, i_filter, i_flags),
+          m_clones(io_clones)
     {
     }
     ~TestHandler() override
@@ -45,7 +47,8 @@ protected:
         cImgIO::getImgIOSet().swap(m_before);
     }
 
-    static TestHandler* add(const char* i_filter, QFlags<cImgIO::EFileIOFlag> i_flags, int* io_clones = nullptr)
+    static TestHandler* add(
+        const char* i_filter, QFlags<cImgIO::EFileIOFlag> i_flags, int* io_clones = nullptr)
     {
         auto* handler = new TestHandler(
             QStringLiteral("Test"), QString::fromLatin1(i_filter), i_flags, io_clones ? io_clones : nullptr);
@@ -122,8 +125,8 @@ TEST_F(cImgIOHandlers, WithoutACloneArePassedOver)
 TEST_F(cImgIODialog, HasNoEntriesWithoutHandlers)
 {
     EXPECT_EQ(cImgIO::getDlgFilterStrings(cImgIO::Write, {}), QString());
-    EXPECT_EQ(cImgIO::getDlgFilterStrings(cImgIO::Read, {}),
-        QStringLiteral("All known Files ();;All Files (*.*)"));
+    EXPECT_EQ(
+        cImgIO::getDlgFilterStrings(cImgIO::Read, {}), QStringLiteral("All known Files ();;All Files (*.*)"));
 }
 
 TEST_F(cImgIODialog, ShowsAdditionalEntries)
@@ -191,7 +194,10 @@ TEST_F(cImgIOFiles, OfOtherTypesAreNarrowedToAByte)
 {
     add("*.png", s_both);
     TraceLines trace;
-    cImg image = makeImage<float>(cImgType::Float32, {{-1.0f, 0.0f, 1.0f, 5.0f}});
+    cImg image = makeImage<float>(cImgType::Float32,
+        {
+            {-1.0f, 0.0f, 1.0f, 5.0f}
+    });
     EXPECT_TRUE(image.writeImg(path("a.png")));
     EXPECT_EQ(trace.take(),
         QStringList(QStringLiteral("Unsupported image type(Float32). File is converted to 8 bit.")));
@@ -208,8 +214,8 @@ TEST_F(cImgIOFiles, OfInvalidImagesAreReportedAndNotWritten)
     add("*.png", s_both);
     TraceLines trace;
     EXPECT_FALSE(cImg().writeImg(path("a.png")));
-    EXPECT_EQ(trace.take().first(),
-        QStringLiteral("Unsupported image type(UInt8). File is converted to 8 bit."));
+    EXPECT_EQ(
+        trace.take().first(), QStringLiteral("Unsupported image type(UInt8). File is converted to 8 bit."));
     EXPECT_FALSE(QFileInfo::exists(path("a.png")));
     EXPECT_FALSE(makeRandomImage(cImgType::SInt64, 2, 2).writeImg(path("a.png"))); // has no 8-bit form
     EXPECT_FALSE(QFileInfo::exists(path("a.png")));

@@ -25,9 +25,8 @@ using Point = c2DPoint<int>;
 /** 0, 1, 2, ... row by row. */
 cImg counted(unsigned i_width, unsigned i_height)
 {
-    return generateImage(cImgType::UInt8, i_width, i_height, [i_width](unsigned x, unsigned y) {
-        return quint8(y * i_width + x);
-    });
+    return generateImage(cImgType::UInt8, i_width, i_height,
+        [i_width](unsigned x, unsigned y) { return quint8(y * i_width + x); });
 }
 
 /** A transform that counts its objects. */
@@ -43,8 +42,7 @@ private:
 };
 
 /** Whether the call ends for want of memory. */
-template <class Call>
-bool isRefused(const Call& i_call)
+template <class Call> bool isRefused(const Call& i_call)
 {
     try {
         i_call();
@@ -387,8 +385,8 @@ TEST(cImg, ADeepCopyIsCompactMemoryOfTheViewsSize)
     EXPECT_TRUE(part.isCompact());
     EXPECT_EQ(part.getYPitch(), 3u);
     EXPECT_EQ(part.getBufferOffset(), 0u);
-    const cImg expected
-        = generateImage(cImgType::UInt8, 3, 4, [](unsigned x, unsigned y) { return quint8((y + 1) * 8 + x + 2); });
+    const cImg expected = generateImage(
+        cImgType::UInt8, 3, 4, [](unsigned x, unsigned y) { return quint8((y + 1) * 8 + x + 2); });
     EXPECT_TRUE(samePixels(part, expected));
 
     const cImg view(parent, false, Rect(2, 1, 3, 4));
@@ -658,14 +656,29 @@ TEST(cImg, CopyFromCopiesTheOverlap)
 {
     cImg small = generateImage(cImgType::UInt8, 3, 2, [](unsigned, unsigned) { return quint8(0); });
     small.copyFrom(counted(8, 6));
-    EXPECT_TRUE(samePixels(small, makeImage<quint8>(cImgType::UInt8, {{0, 1, 2}, {8, 9, 10}})));
+    EXPECT_TRUE(samePixels(small,
+        makeImage<quint8>(cImgType::UInt8,
+            {
+                {0, 1, 2 },
+                {8, 9, 10}
+    })));
 
     small.copyFrom(counted(8, 6), Rect(6, 5, 9, 9), Point(1, 1));
-    EXPECT_TRUE(samePixels(small, makeImage<quint8>(cImgType::UInt8, {{0, 1, 2}, {8, 46, 47}})));
+    EXPECT_TRUE(samePixels(small,
+        makeImage<quint8>(cImgType::UInt8,
+            {
+                {0, 1,  2 },
+                {8, 46, 47}
+    })));
 
     // A destination left of the image cuts the right end of the copy, not its start.
     small.copyFrom(counted(8, 6), Point(-1, 0));
-    EXPECT_TRUE(samePixels(small, makeImage<quint8>(cImgType::UInt8, {{0, 1, 2}, {8, 9, 47}})));
+    EXPECT_TRUE(samePixels(small,
+        makeImage<quint8>(cImgType::UInt8,
+            {
+                {0, 1, 2 },
+                {8, 9, 47}
+    })));
 
     const cImg before = small.clone();
     constexpr int least = std::numeric_limits<int>::min();
@@ -700,16 +713,44 @@ TEST(cImg, CopyFromDetachesTheDestination)
 
 TEST(cImg, CopyFromCopiesBytesByThePixelSizeOfTheDestination)
 {
-    const cImg three = makeImage<quint8>(cImgType::UInt8, {{1, 2, 3, 4, 5, 6}, {7, 8, 9, 10, 11, 12}}, 3);
-    cImg one = makeImage<quint8>(cImgType::UInt8, {{0, 0}, {0, 0}});
+    const cImg three = makeImage<quint8>(cImgType::UInt8,
+        {
+            {1, 2, 3, 4,  5,  6 },
+            {7, 8, 9, 10, 11, 12}
+    },
+        3);
+    cImg one = makeImage<quint8>(cImgType::UInt8,
+        {
+            {0, 0},
+            {0, 0}
+    });
     one.copyFrom(three);
-    EXPECT_TRUE(samePixels(one, makeImage<quint8>(cImgType::UInt8, {{1, 2}, {7, 8}})));
+    EXPECT_TRUE(samePixels(one,
+        makeImage<quint8>(cImgType::UInt8,
+            {
+                {1, 2},
+                {7, 8}
+    })));
 
     // The other way round a row takes bytes of the next one, and the last row ends where the source ends.
-    cImg wide = makeImage<quint8>(cImgType::UInt8, {{0, 0, 0, 0, 0, 0}, {0, 0, 0, 0, 0, 0}}, 3);
-    wide.copyFrom(makeImage<quint8>(cImgType::UInt8, {{1, 2}, {3, 4}}));
-    EXPECT_TRUE(samePixels(
-        wide, makeImage<quint8>(cImgType::UInt8, {{1, 2, 3, 4, 0, 0}, {3, 4, 0, 0, 0, 0}}, 3)));
+    cImg wide = makeImage<quint8>(cImgType::UInt8,
+        {
+            {0, 0, 0, 0, 0, 0},
+            {0, 0, 0, 0, 0, 0}
+    },
+        3);
+    wide.copyFrom(makeImage<quint8>(cImgType::UInt8,
+        {
+            {1, 2},
+            {3, 4}
+    }));
+    EXPECT_TRUE(samePixels(wide,
+        makeImage<quint8>(cImgType::UInt8,
+            {
+                {1, 2, 3, 4, 0, 0},
+                {3, 4, 0, 0, 0, 0}
+    },
+            3)));
 }
 
 TEST(cImg, CopyFromMovesPixelsWithinTheirOwnMemory)
@@ -734,17 +775,29 @@ TEST(cImg, GapsBetweenPixelsAreNoPixels)
 {
     unsigned char memory[] = {1, 99, 2, 99, 3, 99, 99, 4, 99, 5, 99, 6, 99, 99};
     const cImg image(cImgType::UInt8, 3, 2, 2, 7, memory, nullptr);
-    const cImg expected = makeImage<quint8>(cImgType::UInt8, {{1, 2, 3}, {4, 5, 6}});
+    const cImg expected = makeImage<quint8>(cImgType::UInt8,
+        {
+            {1, 2, 3},
+            {4, 5, 6}
+    });
     EXPECT_TRUE(samePixels(image, expected));
     EXPECT_TRUE(samePixels(image.clone(), expected));
     EXPECT_EQ(image.clone().getXPitch(), 1u);
-    EXPECT_TRUE(samePixels(cImg(image, true, Rect(1, 1, 2, 1)), makeImage<quint8>(cImgType::UInt8, {{5, 6}})));
+    EXPECT_TRUE(samePixels(cImg(image, true, Rect(1, 1, 2, 1)),
+        makeImage<quint8>(cImgType::UInt8,
+            {
+                {5, 6}
+    })));
     cImg packed(cImgType::UInt8, 3, 2);
     packed.copyFrom(image);
     EXPECT_TRUE(samePixels(packed, expected));
 
     cImg target(cImgType::UInt8, 3, 2, 2, 7, memory, nullptr);
-    target.copyFrom(makeImage<quint8>(cImgType::UInt8, {{11, 12}}), Point(1, 0));
+    target.copyFrom(makeImage<quint8>(cImgType::UInt8,
+                        {
+                            {11, 12}
+    }),
+        Point(1, 0));
     EXPECT_EQ(memory[2], 11);
     EXPECT_EQ(memory[3], 99);
     EXPECT_EQ(memory[4], 12);

@@ -43,28 +43,27 @@ constexpr double s_float = 3.4028234663852886e+38;
 constexpr double s_double = 1.7976931348623157e+308;
 
 const Row s_rows[] = {
-    {cImgType::RGB24, "RGB24", 3, 1, 3, {0, 255}},
-    {cImgType::RGB32, "RGB32", 4, 1, 4, {0, 255}},
-    {cImgType::UInt8, "UInt8", 3, 1, 3, {0, 255}},
-    {cImgType::UInt16, "UInt16", 6, 2, 3, {0, 65535}},
-    {cImgType::UInt32, "UInt32", 12, 4, 3, {0, 4294967295.0}},
-    {cImgType::SInt8, "SInt8", 3, 1, 3, {-128, 127}},
-    {cImgType::SInt16, "SInt16", 6, 2, 3, {-32768, 32767}},
-    {cImgType::SInt32, "SInt32", 12, 4, 3, {-2147483648.0, 2147483647}},
-    {cImgType::SInt64, "SInt64", 24, 8, 3, {-9223372036854775808.0, 9223372036854775808.0}},
-    {cImgType::Float32, "Float32", 12, 4, 3, {-s_float, s_float}},
-    {cImgType::Float64, "Float64", 24, 8, 3, {-s_double, s_double}},
-    {cImgType::Gradient16, "Gradient16", 4, 4, 2, {-32768, 32767}},
-    {cImgType::Gradient32, "Gradient32", 8, 8, 2, {-32768, 32767}},
-    {cImgType::Complex, "Complex", 8, 4, 2, {0, 0}},
+    {cImgType::RGB24,      "RGB24",      3,  1, 3, {0, 255}                                       },
+    {cImgType::RGB32,      "RGB32",      4,  1, 4, {0, 255}                                       },
+    {cImgType::UInt8,      "UInt8",      3,  1, 3, {0, 255}                                       },
+    {cImgType::UInt16,     "UInt16",     6,  2, 3, {0, 65535}                                     },
+    {cImgType::UInt32,     "UInt32",     12, 4, 3, {0, 4294967295.0}                              },
+    {cImgType::SInt8,      "SInt8",      3,  1, 3, {-128, 127}                                    },
+    {cImgType::SInt16,     "SInt16",     6,  2, 3, {-32768, 32767}                                },
+    {cImgType::SInt32,     "SInt32",     12, 4, 3, {-2147483648.0, 2147483647}                    },
+    {cImgType::SInt64,     "SInt64",     24, 8, 3, {-9223372036854775808.0, 9223372036854775808.0}},
+    {cImgType::Float32,    "Float32",    12, 4, 3, {-s_float, s_float}                            },
+    {cImgType::Float64,    "Float64",    24, 8, 3, {-s_double, s_double}                          },
+    {cImgType::Gradient16, "Gradient16", 4,  4, 2, {-32768, 32767}                                },
+    {cImgType::Gradient32, "Gradient32", 8,  8, 2, {-32768, 32767}                                },
+    {cImgType::Complex,    "Complex",    8,  4, 2, {0, 0}                                         },
 };
 
 QStringList words(const char* i_words) { return QString::fromLatin1(i_words).split(u' '); }
 
-template <class T>
-T valueOf(const cMapObj& i_params, const char* i_key)
+template <class T> T valueOf(const cMapObj& i_params, const char* i_key)
 {
-    T value{};
+    T value {};
     EXPECT_TRUE(i_params.getSubObject(QString::fromLatin1(i_key))->getValue(value)) << i_key;
     return value;
 }
@@ -122,7 +121,8 @@ TEST(cImageTypeFactory, RegistersAFreeIdOnce)
     const auto creator = [](unsigned) -> cImgType* { return nullptr; };
     EXPECT_FALSE(cImageTypeFactory::registerType(cImgType::UInt8, creator));
     const auto own = cImgType::ImageTypes(77);
-    EXPECT_TRUE(cImageTypeFactory::registerType(own, cImageTypeFactory::Creator())); // free, but nothing to add
+    EXPECT_TRUE(
+        cImageTypeFactory::registerType(own, cImageTypeFactory::Creator())); // free, but nothing to add
     EXPECT_FALSE(cImageTypeFactory::getRegistry().contains(own));
     EXPECT_TRUE(cImageTypeFactory::registerType(own, creator));
     EXPECT_FALSE(cImageTypeFactory::registerType(own, creator));
@@ -182,7 +182,8 @@ TEST(cImgType, TheStylesAreThoseOfTheType)
         words("Default Red Green Blue Alpha Intensity Hue Value Saturation"));
     EXPECT_EQ(make(cImgType::Complex)->getStyleList(), words("Default Imaginary Real Magnitude Phase"));
     for (auto id : {cImgType::Gradient16, cImgType::Gradient32})
-        EXPECT_EQ(make(id)->getStyleList(), words("Dx Dy Absolute AbsoluteAndDirection ProjectionOfDirection"));
+        EXPECT_EQ(
+            make(id)->getStyleList(), words("Dx Dy Absolute AbsoluteAndDirection ProjectionOfDirection"));
     for (const Row& row : s_rows)
         EXPECT_EQ(make(row.type)->getStyle(), make(row.type)->getStyleList().first()) << row.name;
 }
@@ -200,8 +201,8 @@ TEST(cImgType, AStyleOutsideTheListIsIgnored)
     const auto grey = make(cImgType::UInt8, 3);
     grey->setStyle(QStringLiteral("Channel 2"));
     EXPECT_EQ(grey->getStyle(), QStringLiteral("Channel 2"));
-    for (const char* style : {"Channel 3", "channel 1", "Channel 01", "Channel 1 ", "Channel", "", "1", "Channel -1",
-             "Channel 4294967297"}) {
+    for (const char* style : {"Channel 3", "channel 1", "Channel 01", "Channel 1 ", "Channel", "", "1",
+             "Channel -1", "Channel 4294967297"}) {
         grey->setStyle(QString::fromLatin1(style));
         EXPECT_EQ(grey->getStyle(), QStringLiteral("Channel 2")) << style;
     }
@@ -270,7 +271,8 @@ TEST(cImgTypeParams, HaveTheDefaults)
     double max = 0;
     EXPECT_TRUE(params[QStringLiteral("Gamma")]->getMetaData(QStringLiteral("max"))->getValue(max));
     EXPECT_EQ(max, 100);
-    EXPECT_TRUE(params[QStringLiteral("AutoRange/BufferSize")]->getMetaData(QStringLiteral("max"))->getValue(max));
+    EXPECT_TRUE(
+        params[QStringLiteral("AutoRange/BufferSize")]->getMetaData(QStringLiteral("max"))->getValue(max));
     EXPECT_EQ(max, 20);
 }
 
@@ -390,7 +392,8 @@ TEST(cImgTypeText, ShowsFloatsWithFixedDecimals)
 {
     EXPECT_EQ(textOf<float>(*make(cImgType::Float32), {1.5f}, true), QStringLiteral("1.50000"));
     EXPECT_EQ(textOf<double>(*make(cImgType::Float64), {-0.123456789}), QStringLiteral("-0.12346"));
-    EXPECT_EQ(textOf<float>(*make(cImgType::Complex), {1.5f, -2.25f}, true), QStringLiteral("Re:1.500 Im:-2.250"));
+    EXPECT_EQ(
+        textOf<float>(*make(cImgType::Complex), {1.5f, -2.25f}, true), QStringLiteral("Re:1.500 Im:-2.250"));
 }
 
 TEST(cImgTypeText, ShowsColoursAndGradients)
@@ -465,7 +468,8 @@ TEST(cImgTypeFill, WritesPixelsOfSeveralParts)
     EXPECT_TRUE(samePixels(filled(cImgType::Complex, QVariant::fromValue(cFltComplex(1, -2))),
         generateImage(cImgType::Complex, 5, 3, [](unsigned, unsigned) { return cFltComplex(1, -2); })));
     EXPECT_TRUE(samePixels(filled(cImgType::Gradient16, QVariant::fromValue(qMakePair(short(1), short(-2)))),
-        generateImage(cImgType::Gradient16, 5, 3, [](unsigned, unsigned) { return qMakePair(short(1), short(-2)); })));
+        generateImage(
+            cImgType::Gradient16, 5, 3, [](unsigned, unsigned) { return qMakePair(short(1), short(-2)); })));
     EXPECT_TRUE(samePixels(filled(cImgType::Gradient32, QVariant::fromValue(qMakePair(1, -2))),
         generateImage(cImgType::Gradient32, 5, 3, [](unsigned, unsigned) { return qMakePair(1, -2); })));
 }
@@ -476,7 +480,7 @@ TEST(cImgTypeFill, IgnoresWhatDoesNotConvert)
         SCOPED_TRACE(row.name);
         EXPECT_TRUE(leavesAlone(row.type, QVariant()));
         EXPECT_TRUE(leavesAlone(row.type, QStringLiteral("grey")));
-        EXPECT_TRUE(leavesAlone(row.type, QVariantList{1, 2}));
+        EXPECT_TRUE(leavesAlone(row.type, QVariantList {1, 2}));
     }
     EXPECT_TRUE(leavesAlone(cImgType::RGB24, 5));
     EXPECT_TRUE(leavesAlone(cImgType::Complex, 5));

@@ -94,7 +94,10 @@ bool isRefused(const QByteArray& i_bytes, QDataStream::Status i_expected)
     return readBack(i_bytes, i_expected).getName() == QStringLiteral("Unnamed");
 }
 
-bool isCorrupt(const Header& i_header) { return isRefused(bytesOf(i_header, "ab"), QDataStream::ReadCorruptData); }
+bool isCorrupt(const Header& i_header)
+{
+    return isRefused(bytesOf(i_header, "ab"), QDataStream::ReadCorruptData);
+}
 
 /** An image that differs from a new one in all that is written. */
 cImg decorated(cImg i_image)
@@ -104,7 +107,8 @@ cImg decorated(cImg i_image)
     i_image.setFrameIndex(4);
     i_image.setRange(5, 50);
     i_image.setImgAttr(QStringLiteral("gain"), new cDataValObj<double>(1.5));
-    i_image.setImgAttr(QStringLiteral("note"), new cDataValObj<QString>(QStringLiteral("two\nlines \"quoted\"")));
+    i_image.setImgAttr(
+        QStringLiteral("note"), new cDataValObj<QString>(QStringLiteral("two\nlines \"quoted\"")));
     return i_image;
 }
 
@@ -135,7 +139,11 @@ TEST(imgStreams, GiveBackLargeImages)
 
 TEST(imgStreams, HaveThisForm)
 {
-    cImg image = makeImage<quint8>(cImgType::UInt8, {{7, 8}, {9, 10}});
+    cImg image = makeImage<quint8>(cImgType::UInt8,
+        {
+            {7, 8 },
+            {9, 10}
+    });
     image.setName(QStringLiteral("n"));
     image.setNumFrames(3);
     image.setFrameIndex(2);

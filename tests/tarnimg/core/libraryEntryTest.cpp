@@ -11,7 +11,7 @@ namespace {
 const cImg s_image;
 struct Late {
     ~Late() { m_image.resize(20, 20); }
-    cImg m_image{cImgType::UInt8, 10, 10};
+    cImg m_image {cImgType::UInt8, 10, 10};
 } s_late;
 
 } // namespace
@@ -19,7 +19,8 @@ struct Late {
 TEST(libraryEntry, TellsTheDebugLogOfLoadAndUnload)
 {
     QProcess process;
-    process.start(QFile::symLinkTarget(QStringLiteral("/proc/self/exe")), {QStringLiteral("--gtest_list_tests")});
+    process.start(
+        QFile::symLinkTarget(QStringLiteral("/proc/self/exe")), {QStringLiteral("--gtest_list_tests")});
     ASSERT_TRUE(process.waitForFinished());
     EXPECT_EQ(process.exitCode(), 0);
     const QString log = QString::fromLocal8Bit(process.readAllStandardError());

@@ -16,15 +16,9 @@ cImg grey(unsigned char i_value, const QString& i_name = QString())
     return image;
 }
 
-unsigned char pixelOf(const cImg& i_image)
-{
-    return i_image.getPixel<unsigned char>(2, 1);
-}
+unsigned char pixelOf(const cImg& i_image) { return i_image.getPixel<unsigned char>(2, 1); }
 
-cStation* station(const char* i_id)
-{
-    return cStation::create(QString::fromLatin1(i_id));
-}
+cStation* station(const char* i_id) { return cStation::create(QString::fromLatin1(i_id)); }
 
 /** Doubles an image, or fails where the name asks for it. */
 class cTwiceFunctor : public cImgFunctor {
@@ -39,8 +33,7 @@ public:
     }
 };
 
-class cTwiceStation : public cFunctorStationT<cTwiceFunctor, cImg, cImg, void> {
-};
+class cTwiceStation : public cFunctorStationT<cTwiceFunctor, cImg, cImg, void> {};
 
 /** Measures an image. */
 class cWidthFunctor : public cImgFunctor {
@@ -140,7 +133,8 @@ TEST(functorStationTest, AnInvalidImageIsPassedOverByOneInputAndReportedByTwo)
     two.feed("img2", grey(1), 1);
     two.runAll();
     ASSERT_EQ(two.errors().size(), 1);
-    EXPECT_TRUE(two.errors().at(0).getMessage() == QStringLiteral("cAddImagesFunctor::operator (): Invalid image."));
+    EXPECT_TRUE(
+        two.errors().at(0).getMessage() == QStringLiteral("cAddImagesFunctor::operator (): Invalid image."));
     EXPECT_EQ(two.fates("img1").failed, 1u);
 }
 
@@ -150,7 +144,7 @@ TEST(functorStationTest, AValueIsSentWhateverItIsAndAnInvalidImageReachesTheFunc
     harness.feed("img", grey(1), 1);
     harness.feed("img", cImg(), 2);
     harness.runAll();
-    EXPECT_EQ(harness.values<int>("width"), QVector<int>{3});
+    EXPECT_EQ(harness.values<int>("width"), QVector<int> {3});
     ASSERT_EQ(harness.errors().size(), 1);
     EXPECT_EQ(harness.outport("width")->getPoolLimit(), 50000);
 }
@@ -172,7 +166,10 @@ TEST(functorStationTest, AStationStaysUsableAfterAFailure)
 TEST(functorStationTest, ADelayedInputSeesTheImageOfTheMatchBefore)
 {
     StationHarness harness(station("ipp/image/arithmetic/difference"));
-    harness.inport("img2")->getParams().getSubObject(QStringLiteral("delay"))->setFromText(QStringLiteral("1"));
+    harness.inport("img2")
+        ->getParams()
+        .getSubObject(QStringLiteral("delay"))
+        ->setFromText(QStringLiteral("1"));
     for (int i = 0; i < 3; ++i) {
         const cImg image = grey(static_cast<unsigned char>(10 * (i + 1) * (i + 1)));
         harness.feed("img1", image, i);

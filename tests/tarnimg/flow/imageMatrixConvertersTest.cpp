@@ -40,7 +40,7 @@ template <class E> void expectRoundTrip(cImgType::ImageTypes i_type)
 template <class E> void expectLists()
 {
     using Matrices = QVector<cMatrix<E>>;
-    const Matrices matrices{counting<E>(1, 2), counting<E>(3, 1)};
+    const Matrices matrices {counting<E>(1, 2), counting<E>(3, 1)};
     const auto images = converted<Matrices, QList<cImg>>(matrices);
     ASSERT_EQ(images.size(), 2);
     EXPECT_EQ(images[1].getHeight(), 3u);

@@ -12,10 +12,7 @@ public:
     cPlainStation() : cStation(QStringLiteral("plain")) {}
 };
 
-cImg image(cImgType::ImageTypes i_type, unsigned i_channels)
-{
-    return cImg(i_type, 2, 2, i_channels);
-}
+cImg image(cImgType::ImageTypes i_type, unsigned i_channels) { return cImg(i_type, 2, 2, i_channels); }
 
 cBufferT<cImg>* bufferWith(cOPort<cImg>& i_pool, const cImg& i_image, qint64 i_stamp = 7)
 {
@@ -28,8 +25,8 @@ cBufferT<cImg>* bufferWith(cOPort<cImg>& i_pool, const cImg& i_image, qint64 i_s
 /** An input port with a queue that remembers what it got. */
 struct Receiver {
     cPlainStation station;
-    cOPort<cImg> pool{&station, QStringLiteral("out"), 5};
-    cIPort<cImg> port{&station, QStringLiteral("img")};
+    cOPort<cImg> pool {&station, QStringLiteral("out"), 5};
+    cIPort<cImg> port {&station, QStringLiteral("img")};
     QList<cBufferT<cImg>*> got;
     int calls = 0;
 
@@ -78,7 +75,7 @@ TEST(imagePortsTest, AWrongImageIsGivenBackWithALine)
     EXPECT_EQ(receiver.port.getFates().refused, 1u);
     EXPECT_EQ(receiver.port.getFates().arrived, receiver.port.getFates().getSum());
     EXPECT_EQ(trace.take(),
-        QStringList{QStringLiteral("plain.img does not support images of type: Float32 with 2 channels.")});
+        QStringList {QStringLiteral("plain.img does not support images of type: Float32 with 2 channels.")});
 }
 
 TEST(imagePortsTest, OnlyTheWrongImagesOfADeliveryAreGivenBack)
@@ -87,8 +84,8 @@ TEST(imagePortsTest, OnlyTheWrongImagesOfADeliveryAreGivenBack)
     receiver.takeLists();
     receiver.port.addImageType(cImgType::UInt8, 1);
     cBufferT<cImg>* right = bufferWith(receiver.pool, image(cImgType::UInt8, 1));
-    receiver.port.receiveBuffer(
-        {bufferWith(receiver.pool, image(cImgType::UInt8, 3)), right, bufferWith(receiver.pool, image(cImgType::RGB24, 3))},
+    receiver.port.receiveBuffer({bufferWith(receiver.pool, image(cImgType::UInt8, 3)), right,
+                                    bufferWith(receiver.pool, image(cImgType::RGB24, 3))},
         nullptr, false);
     EXPECT_EQ(receiver.calls, 1);
     ASSERT_EQ(receiver.got.size(), 1);
@@ -125,9 +122,11 @@ TEST(imagePortsTest, DisjointListsDoNotLink)
     input.addImageType(cImgType::UInt16, 1);
     output.addImageType(cImgType::Float32, 1);
     EXPECT_FALSE(input.checkStaticData(&output));
-    EXPECT_EQ(trace.take(), QStringList{QStringLiteral("Image types do not match: UInt8,UInt16,Float32 and ")});
+    EXPECT_EQ(
+        trace.take(), QStringList {QStringLiteral("Image types do not match: UInt8,UInt16,Float32 and ")});
     EXPECT_FALSE(output.checkStaticData(&input));
-    EXPECT_EQ(trace.take(), QStringList{QStringLiteral("Image types do not match: Float32,UInt8,UInt16 and ")});
+    EXPECT_EQ(
+        trace.take(), QStringList {QStringLiteral("Image types do not match: Float32,UInt8,UInt16 and ")});
 }
 
 TEST(imagePortsTest, AnEmptyListOnEitherSideLinks)

@@ -69,7 +69,8 @@ TEST(rowBandsTest, EachRowIsDoneOnceAndNotByTheCaller)
 TEST(rowBandsTest, TheStatusIsThatOfTheFirstBand)
 {
     const auto failing = [](unsigned failingRow) {
-        return [failingRow](unsigned first, unsigned) { return first == failingRow ? ippStsSizeErr : ippStsNoErr; };
+        return [failingRow](
+                   unsigned first, unsigned) { return first == failingRow ? ippStsSizeErr : ippStsNoErr; };
     };
     EXPECT_EQ(runInBands(2, 10, failing(0)), ippStsSizeErr);
     EXPECT_EQ(runInBands(2, 10, failing(5)), ippStsNoErr);
