@@ -66,11 +66,7 @@ IppStatus runBinaryStrict(const Kernels& kernels, Rows<const T> first, Rows<cons
     constexpr int element = sizeof(T);
     const int pixel = channels * element;
     if (const IppStatus status = checkStrictSteps(size.width,
-            {
-                {first.step,  pixel, element},
-                {second.step, pixel, element},
-                {out.step,    pixel, element}
-    }))
+            {{first.step, pixel, element}, {second.step, pixel, element}, {out.step, pixel, element}}))
         return status;
     return runBinary<T>(kernels, first, second, out, size, channels);
 }
@@ -119,11 +115,7 @@ IppStatus runAccumulate(const Kernels& kernels, Rows<const T> first, Rows<const 
     constexpr int element = sizeof(T);
     constexpr int sum = sizeof(Ipp32f);
     if (const IppStatus status = checkStrictSteps(size.width,
-            {
-                {first.step,       element, element},
-                {second.step,      element, element},
-                {accumulator.step, sum,     sum    }
-    }))
+            {{first.step, element, element}, {second.step, element, element}, {accumulator.step, sum, sum}}))
         return status;
     return std::get<AccumulateKernel<T>>(kernels)(
         first, second, accumulator, extentOf(size, 1, first, second, accumulator));

@@ -218,9 +218,8 @@ template <class Exact> const ConstantsKernels& constantsScaledKernels()
 {
     static constexpr ConstantsKernels s_kernels {
         {constantsScaled<Exact, Ipp8u>, constantsScaled<Exact, Ipp16u>, constantsScaled<Exact, Ipp16s>,
-         constantsScaled<Exact, Ipp32f>},
-        constantsScaled<Exact, Ipp8u, true>, false
-    };
+            constantsScaled<Exact, Ipp32f>},
+        constantsScaled<Exact, Ipp8u, true>, false};
     return s_kernels;
 }
 

@@ -27,12 +27,12 @@ cStationInfo cFilesStation::getWords()
     info.summary = QStringLiteral("Reads image files: names, folders and patterns, in natural order.");
     info.params = {
         {QStringLiteral("path"),
-         QStringLiteral("a file, a folder, a pattern with *, ? and [...], several of these separated by "
+            QStringLiteral("a file, a folder, a pattern with *, ? and [...], several of these separated by "
                            "',', or '-' for "
-                           "a list of files on standard input")                             },
+                           "a list of files on standard input")},
         {QStringLiteral("repeat"), QStringLiteral("how many times the list is gone through")},
         {QStringLiteral("limit"),
-         QStringLiteral("the most frames, 0 for no limit; files that cannot be read count") },
+            QStringLiteral("the most frames, 0 for no limit; files that cannot be read count")},
     };
     info.notes = QStringList {
         QStringLiteral(

@@ -57,9 +57,7 @@ QList<cToken> cPipelineLexer::run()
         if (isBlank(c)) {
             advance();
         } else if (c == u'\n') {
-            tokens.append({
-                cToken::NewLine, {{}, m_pos}
-            });
+            tokens.append({cToken::NewLine, {{}, m_pos}});
             advance();
         } else if (c == u'#') {
             skipComment();
@@ -72,9 +70,7 @@ QList<cToken> cPipelineLexer::run()
             tokens.append(readWord());
         }
     }
-    tokens.append({
-        cToken::End, {{}, m_pos}
-    });
+    tokens.append({cToken::End, {{}, m_pos}});
     return tokens;
 }
 

@@ -77,12 +77,10 @@ cStationInfo cSaveStation::getWords()
 {
     cStationInfo info;
     info.summary = QStringLiteral("Writes each frame to a file; the extension chooses the format.");
-    info.params = {
-        {QStringLiteral("path"),
-         QStringLiteral("the file, with {stem} (the input's name), {index} (the frame's number, from "
-                           "0000), {stamp} and {port}; "
-                           "{{ and }} are braces")}
-    };
+    info.params = {{QStringLiteral("path"),
+        QStringLiteral("the file, with {stem} (the input's name), {index} (the frame's number, from "
+                       "0000), {stamp} and {port}; "
+                       "{{ and }} are braces")}};
     info.notes = QStringList {
         QStringLiteral(
             "A pixel type that the format cannot hold is refused, never narrowed; TIFF holds every type."),
@@ -101,33 +99,24 @@ QList<cGraphError> cSaveStation::checkParams()
 {
     const QString place = getPathName() + QStringLiteral(".path");
     if (m_path.isEmpty())
-        return {
-            {place, QStringLiteral("no file is named, expected a path such as out/{stem}.png"), {}}
-        };
+        return {{place, QStringLiteral("no file is named, expected a path such as out/{stem}.png"), {}}};
     const QString error = m_name.set(m_path);
     if (!error.isEmpty())
-        return {
-            {place, error, {}}
-        };
+        return {{place, error, {}}};
     if (!host::canWrite(m_path)) {
         const QString extension = QFileInfo(m_path).suffix();
-        return {
-            {place,
-             QStringLiteral("unknown file format, expected one of the extensions %1, found %2")
-                    .arg(host::writableExtensions().join(QStringLiteral(", ")),
-             extension.isEmpty() ? QStringLiteral("none")
-                                            : QStringLiteral("'.%1'").arg(extension)),
-             {}}
-        };
+        return {{place,
+            QStringLiteral("unknown file format, expected one of the extensions %1, found %2")
+                .arg(host::writableExtensions().join(QStringLiteral(", ")),
+                    extension.isEmpty() ? QStringLiteral("none") : QStringLiteral("'.%1'").arg(extension)),
+            {}}};
     }
     qint64 frames = 0;
     for (const cFrameSource* source : host::sourcesOf(*this))
         frames = std::max(frames, source->getTotal());
     if (frames > 1 && !m_name.isVarying())
-        return {
-            {place, QStringLiteral("%1 frames would write the one file '%2'").arg(frames).arg(m_path),
-             QStringLiteral("put {stem} or {index} into the name")}
-        };
+        return {{place, QStringLiteral("%1 frames would write the one file '%2'").arg(frames).arg(m_path),
+            QStringLiteral("put {stem} or {index} into the name")}};
     return {};
 }
 

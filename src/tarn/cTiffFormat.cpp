@@ -135,18 +135,18 @@ struct Form {
     std::uint16_t bits;
 };
 constexpr Form s_forms[] = {
-    {cImgType::UInt8,      SAMPLEFORMAT_UINT,          8 },
-    {cImgType::UInt16,     SAMPLEFORMAT_UINT,          16},
-    {cImgType::UInt32,     SAMPLEFORMAT_UINT,          32},
-    {cImgType::SInt8,      SAMPLEFORMAT_INT,           8 },
-    {cImgType::SInt16,     SAMPLEFORMAT_INT,           16},
-    {cImgType::SInt32,     SAMPLEFORMAT_INT,           32},
-    {cImgType::SInt64,     SAMPLEFORMAT_INT,           64},
-    {cImgType::Float32,    SAMPLEFORMAT_IEEEFP,        32},
-    {cImgType::Float64,    SAMPLEFORMAT_IEEEFP,        64},
-    {cImgType::Gradient16, SAMPLEFORMAT_COMPLEXINT,    32},
-    {cImgType::Gradient32, SAMPLEFORMAT_COMPLEXINT,    64},
-    {cImgType::Complex,    SAMPLEFORMAT_COMPLEXIEEEFP, 64},
+    {cImgType::UInt8, SAMPLEFORMAT_UINT, 8},
+    {cImgType::UInt16, SAMPLEFORMAT_UINT, 16},
+    {cImgType::UInt32, SAMPLEFORMAT_UINT, 32},
+    {cImgType::SInt8, SAMPLEFORMAT_INT, 8},
+    {cImgType::SInt16, SAMPLEFORMAT_INT, 16},
+    {cImgType::SInt32, SAMPLEFORMAT_INT, 32},
+    {cImgType::SInt64, SAMPLEFORMAT_INT, 64},
+    {cImgType::Float32, SAMPLEFORMAT_IEEEFP, 32},
+    {cImgType::Float64, SAMPLEFORMAT_IEEEFP, 64},
+    {cImgType::Gradient16, SAMPLEFORMAT_COMPLEXINT, 32},
+    {cImgType::Gradient32, SAMPLEFORMAT_COMPLEXINT, 64},
+    {cImgType::Complex, SAMPLEFORMAT_COMPLEXIEEEFP, 64},
 };
 
 struct Header {

@@ -14,9 +14,9 @@ struct Command {
     EExit (*run)(const QStringList&);
 };
 constexpr Command s_commands[] = {
-    {"run",     "run a graph, from a file or given in one line", &runCommand    },
-    {"list",    "the stations there are, one in a line",         &listCommand   },
-    {"inspect", "everything about a station",                    &inspectCommand},
+    {"run", "run a graph, from a file or given in one line", &runCommand},
+    {"list", "the stations there are, one in a line", &listCommand},
+    {"inspect", "everything about a station", &inspectCommand},
 };
 
 QString usage()

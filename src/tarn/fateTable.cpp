@@ -12,17 +12,17 @@ struct Column {
     bool always;
 };
 constexpr Column s_columns[] = {
-    {"arrived",    &cFates::arrived,    true },
-    {"used",       &cFates::used,       true },
-    {"unseen",     &cFates::unseen,     false},
+    {"arrived", &cFates::arrived, true},
+    {"used", &cFates::used, true},
+    {"unseen", &cFates::unseen, false},
     {"incomplete", &cFates::incomplete, false},
-    {"refused",    &cFates::refused,    false},
-    {"gated",      &cFates::gated,      false},
-    {"lost",       &cFates::lost,       false},
-    {"failed",     &cFates::failed,     false},
-    {"ignored",    &cFates::ignored,    false},
-    {"discarded",  &cFates::discarded,  false},
-    {"waiting",    &cFates::waiting,    false},
+    {"refused", &cFates::refused, false},
+    {"gated", &cFates::gated, false},
+    {"lost", &cFates::lost, false},
+    {"failed", &cFates::failed, false},
+    {"ignored", &cFates::ignored, false},
+    {"discarded", &cFates::discarded, false},
+    {"waiting", &cFates::waiting, false},
 };
 
 /** Of an output only the frames sent and the results lost are counted. */

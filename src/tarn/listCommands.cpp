@@ -12,9 +12,8 @@ namespace {
 
 cOptions makeOptions()
 {
-    return cOptions({
-        {QStringLiteral("--help"), QString(), QStringLiteral("this text"), QStringLiteral("-h")}
-    });
+    return cOptions(
+        {{QStringLiteral("--help"), QString(), QStringLiteral("this text"), QStringLiteral("-h")}});
 }
 
 } // namespace

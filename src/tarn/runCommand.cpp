@@ -21,14 +21,20 @@ const QString s_name = QStringLiteral("run");
 cOptions makeOptions()
 {
     return cOptions({
-        {QStringLiteral("-e"), QStringLiteral("TEXT"), QStringLiteral("the graph itself; several are read as lines")},
-        {QStringLiteral("-D"), QStringLiteral("KEY=VALUE"), QStringLiteral("the value of ${KEY} in the graph")},
-        {QStringLiteral("--limit"), QStringLiteral("N"), QStringLiteral("the most frames that each source reads")},
+        {QStringLiteral("-e"), QStringLiteral("TEXT"),
+            QStringLiteral("the graph itself; several are read as lines")},
+        {QStringLiteral("-D"), QStringLiteral("KEY=VALUE"),
+            QStringLiteral("the value of ${KEY} in the graph")},
+        {QStringLiteral("--limit"), QStringLiteral("N"),
+            QStringLiteral("the most frames that each source reads")},
         {QStringLiteral("--on-error"), QStringLiteral("skip|stop"),
             QStringLiteral("after a frame has failed: go on (the default), or read no more")},
-        {QStringLiteral("--stats"), QString(), QStringLiteral("what became of all frames, and the times of the stations")},
-        {QStringLiteral("--quiet"), QString(), QStringLiteral("no progress, no summary: failures only"), QStringLiteral("-q")},
-        {QStringLiteral("--verbose"), QString(), QStringLiteral("failures as they happen, and the trace"), QStringLiteral("-v")},
+        {QStringLiteral("--stats"), QString(),
+            QStringLiteral("what became of all frames, and the times of the stations")},
+        {QStringLiteral("--quiet"), QString(), QStringLiteral("no progress, no summary: failures only"),
+            QStringLiteral("-q")},
+        {QStringLiteral("--verbose"), QString(), QStringLiteral("failures as they happen, and the trace"),
+            QStringLiteral("-v")},
         {QStringLiteral("--help"), QString(), QStringLiteral("this text"), QStringLiteral("-h")},
     });
 }
@@ -43,13 +49,15 @@ QString usage(const cOptions& i_options)
             "  files in/*.png ! abs ! save out/{stem}.png\n"
             "with key=value after a station, name=x to name it, and x. or x.port to refer to it:\n"
             "  files a/*.png ! d.img1   files b/*.png ! d.img2   difference name=d ! save out/{index}.png\n"
-            "In a file every line is one such chain, or several; '#' begins a comment, and a line that starts or ends\n"
+            "In a file every line is one such chain, or several; '#' begins a comment, and a line that "
+            "starts or ends\n"
             "with '!' goes on with the one before or after it.\n\n"
-            "exit codes: 0 all good, 1 some inputs failed, 2 bad graph or usage, 3 stalled, 4 a station died,\n"
+            "exit codes: 0 all good, 1 some inputs failed, 2 bad graph or usage, 3 stalled, 4 a station "
+            "died,\n"
             "130 interrupted (Ctrl-C finishes what is in flight, twice stops at once)\n");
 }
 
-std::atomic<int> s_interrupts{0};
+std::atomic<int> s_interrupts {0};
 static_assert(std::atomic<int>::is_always_lock_free, "a signal's handler touches it");
 
 void countInterrupt(int)
@@ -84,9 +92,10 @@ public:
     cTraceScope(cConsole& io_console, bool i_show)
     {
         if (i_show)
-            m_listener = cTracerManager::instance().addListener([&io_console](const cTracerManager::Info& i_info) {
-                io_console.writeLine(QStringLiteral("trace: ") + i_info.text.trimmed());
-            });
+            m_listener
+                = cTracerManager::instance().addListener([&io_console](const cTracerManager::Info& i_info) {
+                      io_console.writeLine(QStringLiteral("trace: ") + i_info.text.trimmed());
+                  });
     }
     ~cTraceScope()
     {
@@ -113,13 +122,16 @@ Source readSource(const cOptions& i_options)
     const QStringList& files = i_options.getRest();
     if (!lines.isEmpty()) {
         if (!files.isEmpty())
-            return {{}, {}, QStringLiteral("a graph is given by -e, and there is '%1' besides\n").arg(files.first())
+            return {{}, {},
+                QStringLiteral("a graph is given by -e, and there is '%1' besides\n").arg(files.first())
                     + QStringLiteral("quote the whole graph: -e 'files in/*.png ! ...'")};
         return {lines.join(u'\n'), QStringLiteral("-e"), {}};
     }
     if (files.size() != 1)
-        return {{}, {}, files.isEmpty() ? QStringLiteral("no graph, expected a file or -e 'text'\n'tarn run --help' tells more")
-                                        : QStringLiteral("expected one graph file, found %1").arg(files.size())};
+        return {{}, {},
+            files.isEmpty()
+                ? QStringLiteral("no graph, expected a file or -e 'text'\n'tarn run --help' tells more")
+                : QStringLiteral("expected one graph file, found %1").arg(files.size())};
     QFile file(files.first());
     if (!file.open(QIODevice::ReadOnly))
         return {{}, {}, QStringLiteral("%1: %2").arg(files.first(), file.errorString())};
@@ -182,7 +194,8 @@ EExit runCommand(const QStringList& i_words)
         limit = options.get(QStringLiteral("--limit")).toLongLong(&good);
         if (!good || limit < 1)
             return refuse(s_name,
-                QStringLiteral("--limit expects a number above 0, found '%1'").arg(options.get(QStringLiteral("--limit"))));
+                QStringLiteral("--limit expects a number above 0, found '%1'")
+                    .arg(options.get(QStringLiteral("--limit"))));
     }
     const Source source = readSource(options);
     if (!source.error.isEmpty())

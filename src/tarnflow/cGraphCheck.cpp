@@ -124,9 +124,7 @@ void cGraph::checkCycles(QList<cGraphError>& io_errors) const
         if (visits.value(start, EVisit::New) != EVisit::New)
             continue;
         visits[start] = EVisit::OnPath;
-        std::vector<Step> path {
-            {start, successorsOf(start)}
-        };
+        std::vector<Step> path {{start, successorsOf(start)}};
         while (!path.empty()) {
             if (path.back().successors.isEmpty()) {
                 visits[path.back().station] = EVisit::Done;

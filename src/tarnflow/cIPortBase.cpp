@@ -105,14 +105,10 @@ void cIPortBase::removeLink(cPortBase* i_port) { removeOneLink(i_port); }
 QList<QPair<cIPortBase*, cBufferConverterBase*>> cIPortBase::getReceiver(const std::type_info& i_type)
 {
     if (i_type == getTypeID())
-        return {
-            {this, nullptr}
-        };
+        return {{this, nullptr}};
     const std::lock_guard lock(linkMutex());
     if (cBufferConverterBase* converter = findConverter(i_type))
-        return {
-            {this, converter}
-        };
+        return {{this, converter}};
     return {};
 }
 

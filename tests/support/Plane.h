@@ -23,13 +23,7 @@ struct Layout {
 /** The layouts that every pixel function must take: dense, padded, odd steps, unaligned starts. */
 inline const std::vector<Layout>& everyLayout()
 {
-    static const std::vector<Layout> s_layouts {
-        {0,  0     },
-        {0,  3     },
-        {7,  1     },
-        {64, 0     },
-        {13, 64 - 5}
-    };
+    static const std::vector<Layout> s_layouts {{0, 0}, {0, 3}, {7, 1}, {64, 0}, {13, 64 - 5}};
     return s_layouts;
 }
 

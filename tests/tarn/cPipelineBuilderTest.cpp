@@ -23,10 +23,7 @@ public:
         for (const cDiagnostic& error : parsed.errors)
             ADD_FAILURE() << error.toString().toStdString();
         cPipelineBuilder builder(graph,
-            {
-                {QStringLiteral("x"),  QStringLiteral("2")  },
-                {QStringLiteral("op"), QStringLiteral("add")}
-        });
+            {{QStringLiteral("x"), QStringLiteral("2")}, {QStringLiteral("op"), QStringLiteral("add")}});
         good = builder.build(parsed.pipeline);
         QStringList lines;
         for (const cDiagnostic& error : builder.getErrors())
@@ -125,51 +122,51 @@ void PrintTo(const Refused& i_row, std::ostream* o_stream) { *o_stream << i_row.
 class cPipelineBuilderRefuses : public testing::TestWithParam<Refused> {};
 
 constexpr Refused s_refused[] = {
-    {"Nothing",                   "# nothing",                                             "g:1:1: error: the graph is empty, expected at least one station"},
-    {"UnknownStation",            "files @ ! abss ! save o.png",
-     "g:1:11: error: unknown station, expected an identifier or the unique end of one, found 'abss'\n"
-        "  help: did you mean 'ipp/image/arithmetic/abs'?"                                                                                                  },
-    {"UnknownParameter",          "files @ repaet=2 ! save o.png",
-     "g:1:9: error: files1: unknown parameter, found 'repaet'\n  help: did you mean 'repeat'?"                                                              },
-    {"ValueOfTheWrongType",       "files @ name=f repeat=often ! save o.png",
-     "g:1:16: error: f.repeat: expected an integer from 0 to 4294967295, found \"often\""                                                                   },
-    {"NoMainParameter",           "files @ ! abs x ! save o.png",
-     "g:1:15: error: abs1: the station has no main parameter, expected '!' or key=value, found 'x'\n"
-        "  help: begin another chain on a line of its own"                                                                                                  },
-    {"UnknownReference",          "files @ name=frames ! save o.png\nframs. ! save p.png",
-     "g:2:1: error: unknown station, found 'frams.'\n  help: did you mean 'frames'?"                                                                        },
-    {"UnknownPort",               "files @ ! d.img3\ndifference name=d",
-     "g:1:11: error: d: unknown port, found 'img3'\n  help: did you mean 'img1'?"                                                                           },
-    {"UnknownVariable",           "files ${xx} ! save o.png",
-     "g:1:7: error: the variable ${xx} has no value\n  help: did you mean 'x'?"                                                                             },
+    {"Nothing", "# nothing", "g:1:1: error: the graph is empty, expected at least one station"},
+    {"UnknownStation", "files @ ! abss ! save o.png",
+        "g:1:11: error: unknown station, expected an identifier or the unique end of one, found 'abss'\n"
+        "  help: did you mean 'ipp/image/arithmetic/abs'?"},
+    {"UnknownParameter", "files @ repaet=2 ! save o.png",
+        "g:1:9: error: files1: unknown parameter, found 'repaet'\n  help: did you mean 'repeat'?"},
+    {"ValueOfTheWrongType", "files @ name=f repeat=often ! save o.png",
+        "g:1:16: error: f.repeat: expected an integer from 0 to 4294967295, found \"often\""},
+    {"NoMainParameter", "files @ ! abs x ! save o.png",
+        "g:1:15: error: abs1: the station has no main parameter, expected '!' or key=value, found 'x'\n"
+        "  help: begin another chain on a line of its own"},
+    {"UnknownReference", "files @ name=frames ! save o.png\nframs. ! save p.png",
+        "g:2:1: error: unknown station, found 'frams.'\n  help: did you mean 'frames'?"},
+    {"UnknownPort", "files @ ! d.img3\ndifference name=d",
+        "g:1:11: error: d: unknown port, found 'img3'\n  help: did you mean 'img1'?"},
+    {"UnknownVariable", "files ${xx} ! save o.png",
+        "g:1:7: error: the variable ${xx} has no value\n  help: did you mean 'x'?"},
     {"VariableWithoutANeighbour", "files ${somewhere} ! save o.png",
-     "g:1:7: error: the variable ${somewhere} has no value\n  help: give it one with -D somewhere=..."                                                      },
-    {"EmptyName",                 "abs name=\"\"",
-     "g:1:5: error: a station's name is empty, expected letters, digits, '_' and '-'"                                                                       },
-    {"SeveralAtOnce",             "files @ foo=1 ! abss ! save o.png\nb. ! abs",
-     "g:1:9: error: files1: unknown parameter, found 'foo'\n  help: known: path, repeat, limit\n"
+        "g:1:7: error: the variable ${somewhere} has no value\n  help: give it one with -D somewhere=..."},
+    {"EmptyName", "abs name=\"\"",
+        "g:1:5: error: a station's name is empty, expected letters, digits, '_' and '-'"},
+    {"SeveralAtOnce", "files @ foo=1 ! abss ! save o.png\nb. ! abs",
+        "g:1:9: error: files1: unknown parameter, found 'foo'\n  help: known: path, repeat, limit\n"
         "g:1:17: error: unknown station, expected an identifier or the unique end of one, found 'abss'\n"
         "  help: did you mean 'ipp/image/arithmetic/abs'?\n"
-        "g:2:1: error: unknown station, found 'b.'\n  help: known: files1, save1, abs1"                                                                     },
-    {"PatternWithoutFiles",       "files nowhere/*.png name=f ! save o{index}.png",
-     "g:1:7: error: f.path: no file matches 'nowhere/*.png'"                                                                                                },
-    {"SinkWithoutAPath",          "files @ ! save name=s",
-     "g:1:11: error: s.path: no file is named, expected a path such as out/{stem}.png"                                                                      },
-    {"UnknownPlaceholder",        "files @ ! save o/{name}.png name=s",
-     "g:1:16: error: s.path: unknown placeholder, expected {stem}, {index}, {stamp} or {port}, found "
-        "{name}"                                                                                                                                            },
-    {"UnknownFormat",             "files @ ! save o.gif name=s",
-     "g:1:16: error: s.path: unknown file format, expected one of the extensions bmp, jpeg, jpg, png, "
+        "g:2:1: error: unknown station, found 'b.'\n  help: known: files1, save1, abs1"},
+    {"PatternWithoutFiles", "files nowhere/*.png name=f ! save o{index}.png",
+        "g:1:7: error: f.path: no file matches 'nowhere/*.png'"},
+    {"SinkWithoutAPath", "files @ ! save name=s",
+        "g:1:11: error: s.path: no file is named, expected a path such as out/{stem}.png"},
+    {"UnknownPlaceholder", "files @ ! save o/{name}.png name=s",
+        "g:1:16: error: s.path: unknown placeholder, expected {stem}, {index}, {stamp} or {port}, found "
+        "{name}"},
+    {"UnknownFormat", "files @ ! save o.gif name=s",
+        "g:1:16: error: s.path: unknown file format, expected one of the extensions bmp, jpeg, jpg, png, "
         "tif, tiff, found "
-        "'.gif'"                                                                                                                                            },
-    {"ManyFramesForOneFile",      "files @ repeat=3 ! save o.png name=s",
-     "g:1:25: error: s.path: 3 frames would write the one file 'o.png'\n"
-        "  help: put {stem} or {index} into the name"                                                                                                       },
-    {"ReservedName",              "graph g { abs name=in }",
-     "g:1:15: error: 'in' stands for a graph's own ports and names nothing else"                                                                            },
-    {"BoundaryTheWrongWay",       "graph g { abs name=x\n out.a ! x. }",
-     "g:2:10: error: a chain begins with 'in.' and ends with 'out.', found the reverse, or both at once"                                                    },
-    {"InIsNothingOutside",        "in.a ! abs",                                            "g:1:1: error: unknown station, found 'in.'\n  help: known: abs1"},
+        "'.gif'"},
+    {"ManyFramesForOneFile", "files @ repeat=3 ! save o.png name=s",
+        "g:1:25: error: s.path: 3 frames would write the one file 'o.png'\n"
+        "  help: put {stem} or {index} into the name"},
+    {"ReservedName", "graph g { abs name=in }",
+        "g:1:15: error: 'in' stands for a graph's own ports and names nothing else"},
+    {"BoundaryTheWrongWay", "graph g { abs name=x\n out.a ! x. }",
+        "g:2:10: error: a chain begins with 'in.' and ends with 'out.', found the reverse, or both at once"},
+    {"InIsNothingOutside", "in.a ! abs", "g:1:1: error: unknown station, found 'in.'\n  help: known: abs1"},
 };
 
 TEST_P(cPipelineBuilderRefuses, WithPlaceTextAndHelp)

@@ -144,22 +144,11 @@ TEST_F(command, SixteenBitsGoThroughWithoutLoss)
 
 TEST_F(command, SubtractsTheFirstInputFromTheSecond)
 {
-    host::writeImage(path(QStringLiteral("a.png")),
-        makeImage<quint8>(cImgType::UInt8,
-            {
-                {10, 200}
-    }));
-    host::writeImage(path(QStringLiteral("b.png")),
-        makeImage<quint8>(cImgType::UInt8,
-            {
-                {30, 50}
-    }));
+    host::writeImage(path(QStringLiteral("a.png")), makeImage<quint8>(cImgType::UInt8, {{10, 200}}));
+    host::writeImage(path(QStringLiteral("b.png")), makeImage<quint8>(cImgType::UInt8, {{30, 50}}));
     EXPECT_EQ(run("files a.png ! s.img1   files b.png ! s.img2   subtract name=s ! save c.png").exit, 0);
-    EXPECT_TRUE(samePixels(host::readImage(path(QStringLiteral("c.png"))),
-        makeImage<quint8>(cImgType::UInt8,
-            {
-                {20, 0}
-    })));
+    EXPECT_TRUE(samePixels(
+        host::readImage(path(QStringLiteral("c.png"))), makeImage<quint8>(cImgType::UInt8, {{20, 0}})));
 }
 
 TEST_F(command, ReadsAListOfFilesFromStandardInput)
@@ -339,35 +328,35 @@ TEST_F(command, RefusesWhatItDoesNotUnderstand)
     writeFrames(QStringLiteral("in"), 1);
     const Usage usages[] = {
         {"run",
-         "tarn run: error: no graph, expected a file or -e 'text'\n  help: 'tarn run --help' tells "
-            "more\n"                                                                                                                            },
-        {"run|missing.tarn",                              "tarn run: error: missing.tarn: No such file or directory\n"                          },
-        {"run|a|b",                                       "tarn run: error: expected one graph file, found 2\n"                                 },
+            "tarn run: error: no graph, expected a file or -e 'text'\n  help: 'tarn run --help' tells "
+            "more\n"},
+        {"run|missing.tarn", "tarn run: error: missing.tarn: No such file or directory\n"},
+        {"run|a|b", "tarn run: error: expected one graph file, found 2\n"},
         {"run|-e|abs|g.tarn",
-         "tarn run: error: a graph is given by -e, and there is 'g.tarn' besides\n"
-            "  help: quote the whole graph: -e 'files in/*.png ! ...'\n"                                                                        },
+            "tarn run: error: a graph is given by -e, and there is 'g.tarn' besides\n"
+            "  help: quote the whole graph: -e 'files in/*.png ! ...'\n"},
         {"run|--realtime|-e|abs",
-         "tarn run: error: unknown option, found '--realtime'\n"
-            "  help: known: -e, -D, --limit, --on-error, --stats, --quiet, -q, --verbose, -v, --help, -h\n"                                     },
+            "tarn run: error: unknown option, found '--realtime'\n"
+            "  help: known: -e, -D, --limit, --on-error, --stats, --quiet, -q, --verbose, -v, --help, -h\n"},
         {"run|--statz|-e|abs",
-         "tarn run: error: unknown option, found '--statz'\n  help: did you mean '--stats'?\n"                                                  },
-        {"run|-e",                                        "tarn run: error: the option -e needs a value, expected -e TEXT\n"                    },
-        {"run|--limit|0|-e|abs",                          "tarn run: error: --limit expects a number above 0, found '0'\n"                      },
-        {"run|--limit|many|-e|abs",                       "tarn run: error: --limit expects a number above 0, found 'many'\n"                   },
-        {"run|--on-error|retry|-e|abs",                   "tarn run: error: --on-error expects skip or stop, found 'retry'\n"                   },
-        {"run|-D|1=2|-e|abs",                             "tarn run: error: -D expects KEY=VALUE, found '1=2'\n"                                },
+            "tarn run: error: unknown option, found '--statz'\n  help: did you mean '--stats'?\n"},
+        {"run|-e", "tarn run: error: the option -e needs a value, expected -e TEXT\n"},
+        {"run|--limit|0|-e|abs", "tarn run: error: --limit expects a number above 0, found '0'\n"},
+        {"run|--limit|many|-e|abs", "tarn run: error: --limit expects a number above 0, found 'many'\n"},
+        {"run|--on-error|retry|-e|abs", "tarn run: error: --on-error expects skip or stop, found 'retry'\n"},
+        {"run|-D|1=2|-e|abs", "tarn run: error: -D expects KEY=VALUE, found '1=2'\n"},
         {"run|-e|files in ! nosuch",
-         "-e:1:12: error: unknown station, expected an identifier or the unique end of one, "
-            "found 'nosuch'\n"                                                                                                                  },
+            "-e:1:12: error: unknown station, expected an identifier or the unique end of one, "
+            "found 'nosuch'\n"},
         {"run|-e|files in !",
-         "-e:1:10: error: expected a station or a reference after '!', found the end of the text\n"                                             },
-        {"run|-e|files in ! d.img1|-e|difference name=d", nullptr                                                                               },
-        {"rum",                                           "tarn: error: unknown command, found 'rum'\n  help: did you mean 'run'?\n"            },
-        {"list|a|b",                                      "tarn list: error: expected one text to look for, found 2\n"                          },
-        {"inspect",                                       "tarn inspect: error: expected one station, found 0\n  help: 'tarn list' names them\n"},
+            "-e:1:10: error: expected a station or a reference after '!', found the end of the text\n"},
+        {"run|-e|files in ! d.img1|-e|difference name=d", nullptr},
+        {"rum", "tarn: error: unknown command, found 'rum'\n  help: did you mean 'run'?\n"},
+        {"list|a|b", "tarn list: error: expected one text to look for, found 2\n"},
+        {"inspect", "tarn inspect: error: expected one station, found 0\n  help: 'tarn list' names them\n"},
         {"inspect|ad",
-         "tarn inspect: error: unknown station, found 'ad'\n  help: did you mean "
-            "'ipp/image/arithmetic/add'?\n"                                                                                                     },
+            "tarn inspect: error: unknown station, found 'ad'\n  help: did you mean "
+            "'ipp/image/arithmetic/add'?\n"},
     };
     for (const Usage& usage : usages) {
         const Result result = tarn(QString::fromUtf8(usage.words).split(u'|'));

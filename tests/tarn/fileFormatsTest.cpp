@@ -126,11 +126,8 @@ TEST_F(fileFormats, JpegKeepsGreyAndColourCloseToWhatTheyWere)
     for (unsigned y = 0; y < 24; ++y)
         for (unsigned x = 0; x < 32; ++x)
             EXPECT_NEAR(greyBack.getPixel<quint8>(x, y), grey.getPixel<quint8>(x, y), 4);
-    const cImg red = makeImage<quint8>(cImgType::RGB24,
-        {
-            {200, 20, 30, 200, 20, 30},
-            {200, 20, 30, 200, 20, 30}
-    });
+    const cImg red
+        = makeImage<quint8>(cImgType::RGB24, {{200, 20, 30, 200, 20, 30}, {200, 20, 30, 200, 20, 30}});
     host::writeImage(path("red.jpeg"), red);
     const cImg redBack = read("red.jpeg");
     ASSERT_TRUE(redBack.isKindOf(cImgType::RGB24));
@@ -148,12 +145,12 @@ struct Refusal {
 TEST_F(fileFormats, ATypeThatAFormatCannotHoldIsRefusedWithTheFormatsThatCan)
 {
     const Refusal refusals[] = {
-        {"a.png", cImgType::Float32,    1, "PNG cannot hold Float32 with 1 channel, formats that can: TIFF"     },
-        {"a.png", cImgType::UInt8,      3, "PNG cannot hold UInt8 with 3 channels, formats that can: TIFF"      },
-        {"a.png", cImgType::Gradient16, 2, "PNG cannot hold Gradient16, formats that can: TIFF"                 },
-        {"a.jpg", cImgType::UInt16,     1, "JPEG cannot hold UInt16 with 1 channel, formats that can: PNG, TIFF"},
-        {"a.jpg", cImgType::RGB32,      4, "JPEG cannot hold RGB32, formats that can: PNG, TIFF"                },
-        {"a.bmp", cImgType::SInt16,     1, "BMP cannot hold SInt16 with 1 channel, formats that can: TIFF"      },
+        {"a.png", cImgType::Float32, 1, "PNG cannot hold Float32 with 1 channel, formats that can: TIFF"},
+        {"a.png", cImgType::UInt8, 3, "PNG cannot hold UInt8 with 3 channels, formats that can: TIFF"},
+        {"a.png", cImgType::Gradient16, 2, "PNG cannot hold Gradient16, formats that can: TIFF"},
+        {"a.jpg", cImgType::UInt16, 1, "JPEG cannot hold UInt16 with 1 channel, formats that can: PNG, TIFF"},
+        {"a.jpg", cImgType::RGB32, 4, "JPEG cannot hold RGB32, formats that can: PNG, TIFF"},
+        {"a.bmp", cImgType::SInt16, 1, "BMP cannot hold SInt16 with 1 channel, formats that can: TIFF"},
     };
     for (const Refusal& refusal : refusals) {
         const cImg image = makeRandomImage(refusal.type, 3, 2, refusal.channels);
@@ -352,37 +349,24 @@ TEST_F(fileFormats, PngOfOneBitBecomesBlackAndWhite)
     const QByteArray bytes = makePng(
         9, 2, 1, PNG_COLOR_TYPE_GRAY, false, {QByteArray("\xa5\x80", 2), QByteArray("\x5a\x00", 2)});
     EXPECT_TRUE(samePixels(decodePng(bytes),
-        makeImage<quint8>(cImgType::UInt8,
-            {
-                {255, 0,   255, 0,   0,   255, 0,   255, 255},
-                {0,   255, 0,   255, 255, 0,   255, 0,   0  }
-    })));
+        makeImage<quint8>(
+            cImgType::UInt8, {{255, 0, 255, 0, 0, 255, 0, 255, 255}, {0, 255, 0, 255, 255, 0, 255, 0, 0}})));
 }
 
 TEST_F(fileFormats, PngPalettesBecomeColour)
 {
-    const QByteArray bytes = makePng(3, 1, 8, PNG_COLOR_TYPE_PALETTE, false,
-        {
-            QByteArray("\x02\x00\x01", 3)
-    },
+    const QByteArray bytes = makePng(3, 1, 8, PNG_COLOR_TYPE_PALETTE, false, {QByteArray("\x02\x00\x01", 3)},
         {{1, 2, 3}, {40, 50, 60}, {255, 0, 128}});
-    EXPECT_TRUE(samePixels(decodePng(bytes),
-        makeImage<quint8>(cImgType::RGB24,
-            {
-                {255, 0, 128, 1, 2, 3, 40, 50, 60}
-    })));
+    EXPECT_TRUE(samePixels(
+        decodePng(bytes), makeImage<quint8>(cImgType::RGB24, {{255, 0, 128, 1, 2, 3, 40, 50, 60}})));
 }
 
 TEST_F(fileFormats, PngTransparentGreyBecomesASecondChannel)
 {
     const QByteArray bytes
         = makePng(3, 1, 8, PNG_COLOR_TYPE_GRAY, false, {QByteArray("\x07\x64\x07", 3)}, {}, 100);
-    EXPECT_TRUE(samePixels(decodePng(bytes),
-        makeImage<quint8>(cImgType::UInt8,
-            {
-                {7, 255, 100, 0, 7, 255}
-    },
-            2)));
+    EXPECT_TRUE(
+        samePixels(decodePng(bytes), makeImage<quint8>(cImgType::UInt8, {{7, 255, 100, 0, 7, 255}}, 2)));
 }
 
 TEST_F(fileFormats, PngInterlacedOf16BitsIsReadToTheBit)
@@ -408,21 +392,14 @@ TEST_F(fileFormats, BmpWithAColourTableBecomesColourUnlessItIsGrey)
     indexed.setPixel(0, 0, 1);
     indexed.setPixel(1, 0, 0);
     ASSERT_TRUE(indexed.save(path("c.bmp"), "BMP"));
-    EXPECT_TRUE(samePixels(read("c.bmp"),
-        makeImage<quint8>(cImgType::RGB24,
-            {
-                {200, 100, 0, 10, 20, 30}
-    })));
+    EXPECT_TRUE(samePixels(read("c.bmp"), makeImage<quint8>(cImgType::RGB24, {{200, 100, 0, 10, 20, 30}})));
     QImage mono(9, 1, QImage::Format_Mono);
     mono.setColorTable({qRgb(0, 0, 0), qRgb(255, 255, 255)});
     for (int x = 0; x < 9; ++x)
         mono.setPixel(x, 0, x % 2);
     ASSERT_TRUE(mono.save(path("m.bmp"), "BMP"));
-    EXPECT_TRUE(samePixels(read("m.bmp"),
-        makeImage<quint8>(cImgType::UInt8,
-            {
-                {0, 255, 0, 255, 0, 255, 0, 255, 0}
-    })));
+    EXPECT_TRUE(
+        samePixels(read("m.bmp"), makeImage<quint8>(cImgType::UInt8, {{0, 255, 0, 255, 0, 255, 0, 255, 0}})));
 }
 
 /** A TIFF file by libtiff's own means; `i_fields` sets what differs from grey of 8 bits. */
@@ -506,11 +483,7 @@ TEST_F(fileFormats, TiffInSeparatePlanesBecomesPixels)
             writeRow(t, 0, QByteArray("\x02\x05", 2), 1);
             writeRow(t, 0, QByteArray("\x03\x06", 2), 2);
         });
-    EXPECT_TRUE(samePixels(host::readImage(name),
-        makeImage<quint8>(cImgType::RGB24,
-            {
-                {1, 2, 3, 4, 5, 6}
-    })));
+    EXPECT_TRUE(samePixels(host::readImage(name), makeImage<quint8>(cImgType::RGB24, {{1, 2, 3, 4, 5, 6}})));
 }
 
 TEST_F(fileFormats, TiffWithWhiteAsZeroIsTurnedRound)
@@ -519,11 +492,7 @@ TEST_F(fileFormats, TiffWithWhiteAsZeroIsTurnedRound)
         path("a.tif"), "w", 3, 1,
         [](TIFF* t) { TIFFSetField(t, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISWHITE); },
         [](TIFF* t) { writeRow(t, 0, QByteArray("\x00\x01\xff", 3)); });
-    EXPECT_TRUE(samePixels(host::readImage(name),
-        makeImage<quint8>(cImgType::UInt8,
-            {
-                {255, 254, 0}
-    })));
+    EXPECT_TRUE(samePixels(host::readImage(name), makeImage<quint8>(cImgType::UInt8, {{255, 254, 0}})));
 }
 
 TEST_F(fileFormats, TiffOfFourBitsFillsTheRange)
@@ -531,11 +500,7 @@ TEST_F(fileFormats, TiffOfFourBitsFillsTheRange)
     const QString name = makeTiff(
         path("a.tif"), "w", 3, 1, [](TIFF* t) { TIFFSetField(t, TIFFTAG_BITSPERSAMPLE, 4); },
         [](TIFF* t) { writeRow(t, 0, QByteArray("\x0f\x70", 2)); });
-    EXPECT_TRUE(samePixels(host::readImage(name),
-        makeImage<quint8>(cImgType::UInt8,
-            {
-                {0, 255, 119}
-    })));
+    EXPECT_TRUE(samePixels(host::readImage(name), makeImage<quint8>(cImgType::UInt8, {{0, 255, 119}})));
 }
 
 TEST_F(fileFormats, TiffPalettesBecomeColour)
@@ -551,11 +516,8 @@ TEST_F(fileFormats, TiffPalettesBecomeColour)
             TIFFSetField(t, TIFFTAG_COLORMAP, red.data(), green.data(), blue.data());
         },
         [](TIFF* t) { writeRow(t, 0, QByteArray("\x05\x00", 2)); });
-    EXPECT_TRUE(samePixels(host::readImage(name),
-        makeImage<quint8>(cImgType::RGB24,
-            {
-                {200, 100, 50, 0, 0, 0}
-    })));
+    EXPECT_TRUE(
+        samePixels(host::readImage(name), makeImage<quint8>(cImgType::RGB24, {{200, 100, 50, 0, 0, 0}})));
 }
 
 TEST_F(fileFormats, TiffOfHalfFloatsIsRefused)

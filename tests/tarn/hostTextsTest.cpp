@@ -13,11 +13,9 @@ namespace {
 
 cOptions makeOptions()
 {
-    return cOptions({
-        {QStringLiteral("-e"),       QStringLiteral("TEXT"),            QStringLiteral("the graph")},
-        {                         QStringLiteral("--limit"),       QStringLiteral("N"), QStringLiteral("the most frames")                           },
-        { QStringLiteral("--quiet"), QString(),              QStringLiteral("silence"),                            QStringLiteral("-q")}
-    });
+    return cOptions({{QStringLiteral("-e"), QStringLiteral("TEXT"), QStringLiteral("the graph")},
+        {QStringLiteral("--limit"), QStringLiteral("N"), QStringLiteral("the most frames")},
+        {QStringLiteral("--quiet"), QString(), QStringLiteral("silence"), QStringLiteral("-q")}});
 }
 
 TEST(cOptions, SortsWordsIntoOptionsAndTheRest)
@@ -121,11 +119,9 @@ TEST(fateTable, HasTheColumnsInWhichSomethingHappened)
     bad.waiting = 1;
     cFates sent;
     sent.arrived = 100;
-    QList<cPortFates> fates {
-        {QStringLiteral("add0"), QStringLiteral("img1"), false, good},
-        {QStringLiteral("add0"), QStringLiteral("img2"), false, bad },
-        {QStringLiteral("a"),    QStringLiteral("img"),  true,  sent}
-    };
+    QList<cPortFates> fates {{QStringLiteral("add0"), QStringLiteral("img1"), false, good},
+        {QStringLiteral("add0"), QStringLiteral("img2"), false, bad},
+        {QStringLiteral("a"), QStringLiteral("img"), true, sent}};
     EXPECT_TRUE(host::isAnyUnused(fates));
     EXPECT_EQ(host::fateTable(fates, true),
         QStringLiteral("port       arrived     used  refused  waiting\n"

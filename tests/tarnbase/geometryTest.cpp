@@ -285,18 +285,8 @@ TEST(cFileSystem, FindsTheExtensionOfTheFileName)
     const struct {
         const char* path;
         const char* extension;
-    } cases[] = {
-        {"a.png",           "png"   },
-        {"/x/y.z/a.tar.GZ", "GZ"    },
-        {"/x/y.z/a",        ""      },
-        {"a",               ""      },
-        {"",                ""      },
-        {"a.",              ""      },
-        {".hidden",         "hidden"},
-        {"a.b/",            ""      },
-        {"../a",            ""      },
-        {"a b.t x",         "t x"   }
-    };
+    } cases[] = {{"a.png", "png"}, {"/x/y.z/a.tar.GZ", "GZ"}, {"/x/y.z/a", ""}, {"a", ""}, {"", ""},
+        {"a.", ""}, {".hidden", "hidden"}, {"a.b/", ""}, {"../a", ""}, {"a b.t x", "t x"}};
     for (const auto& row : cases)
         EXPECT_EQ(
             cFileSystem::extractExtension(QString::fromLatin1(row.path)), QString::fromLatin1(row.extension))

@@ -333,12 +333,7 @@ TEST(cSourceStation, AnnouncesItsEnd)
     ASSERT_TRUE(graph.launch());
     EXPECT_EQ(graph.waitForFlow(s_patience), cGraph::EFlow::Drained);
     graph.stop();
-    EXPECT_EQ(notices,
-        (std::vector<std::pair<qint64, bool>> {
-            {1, false},
-            {2, false},
-            {2, true }
-    }));
+    EXPECT_EQ(notices, (std::vector<std::pair<qint64, bool>> {{1, false}, {2, false}, {2, true}}));
 }
 
 TEST(cStepScope, TellsWhatBecameOfAStep)

@@ -571,17 +571,10 @@ private:
     bool compareFates(int i_port)
     {
         const cFates fates = m_harness.fates(nameOf(i_port));
-        const std::pair<Fate, quint64> counts[] = {
-            {Fate::Waiting,    fates.waiting   },
-            {Fate::Used,       fates.used      },
-            {Fate::Unseen,     fates.unseen    },
-            {Fate::Incomplete, fates.incomplete},
-            {Fate::Gated,      fates.gated     },
-            {Fate::Lost,       fates.lost      },
-            {Fate::Failed,     fates.failed    },
-            {Fate::Ignored,    fates.ignored   },
-            {Fate::Discarded,  fates.discarded }
-        };
+        const std::pair<Fate, quint64> counts[] = {{Fate::Waiting, fates.waiting}, {Fate::Used, fates.used},
+            {Fate::Unseen, fates.unseen}, {Fate::Incomplete, fates.incomplete}, {Fate::Gated, fates.gated},
+            {Fate::Lost, fates.lost}, {Fate::Failed, fates.failed}, {Fate::Ignored, fates.ignored},
+            {Fate::Discarded, fates.discarded}};
         const QString at = QStringLiteral(" of %1").arg(QLatin1String(nameOf(i_port)));
         for (const auto& [fate, count] : counts)
             if (!same(QStringLiteral("fate %1").arg(int(fate)) + at, quint64(m_model.count(i_port, fate)),

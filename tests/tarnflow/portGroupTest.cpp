@@ -313,11 +313,7 @@ TEST(portGroupTest, ADelayedInputShowsTheBufferOfTheMatchBeforeAtAFixedDistance)
     });
     ASSERT_TRUE(station->group.getPort<0>().getParams().getSubObject(QStringLiteral("delay"))->setValue(1u));
     StationHarness harness(station);
-    for (const auto& [stamp, time] : {
-             std::pair(10, 1000), {20, 1100},
-               {35, 1150},
-               {40, 1400}
-    }) {
+    for (const auto& [stamp, time] : {std::pair(10, 1000), {20, 1100}, {35, 1150}, {40, 1400}}) {
         harness.send("a", double(stamp), {stamp, time});
         harness.finish("a", {stamp, time});
         harness.feed("b", 0.0, {stamp, time});

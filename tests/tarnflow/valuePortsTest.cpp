@@ -31,16 +31,8 @@ TEST(cValueText, WritesColoursAndPoints)
 {
     EXPECT_EQ(textOf(QColor(255, 128, 0)), "#ff8000"_q);
     EXPECT_EQ(textOf(c2DPoint<int>(3, -4)), "(3,-4)"_q);
-    EXPECT_EQ(textOf(QVector<c2DPoint<int>> {
-                  {1, 2},
-                  {3, 4}
-    }),
-        "(1,2), (3,4)"_q);
-    EXPECT_EQ(textOf(QVector<c2DLine<float>> {
-                  {0, 1, 2, 3},
-                  {4, 5, 6, 7}
-    }),
-        "(0,1)-(2,3), (4,5)-(6,7)"_q);
+    EXPECT_EQ(textOf(QVector<c2DPoint<int>> {{1, 2}, {3, 4}}), "(1,2), (3,4)"_q);
+    EXPECT_EQ(textOf(QVector<c2DLine<float>> {{0, 1, 2, 3}, {4, 5, 6, 7}}), "(0,1)-(2,3), (4,5)-(6,7)"_q);
 }
 
 TEST(cValueText, SeparatesTheElementsOfVectors)
@@ -49,11 +41,7 @@ TEST(cValueText, SeparatesTheElementsOfVectors)
     EXPECT_EQ(textOf(QVector<int> {1}), "1"_q);
     EXPECT_EQ(textOf(QVector<int> {1, 2, 3}), "1, 2, 3"_q);
     EXPECT_EQ(textOf(QVector<float> {0.5f, 2.0f}), "0.5, 2"_q);
-    EXPECT_EQ(textOf(QVector<QVector<int>> {
-                  {1, 2},
-                  {3}
-    }),
-        "1, 2, 3"_q);
+    EXPECT_EQ(textOf(QVector<QVector<int>> {{1, 2}, {3}}), "1, 2, 3"_q);
 }
 
 TEST(cValueText, WritesAMatrixRowByRow)
@@ -315,11 +303,5 @@ TEST(cOPort, AnnouncesStampsToAllReceivers)
     ASSERT_TRUE(graph.link(&node.out, &second));
     node.out.sendFinish(5);
     node.out.sendIdle();
-    EXPECT_EQ(notices,
-        (std::vector<std::pair<qint64, bool>> {
-            {5, false},
-            {5, false},
-            {5, true },
-            {5, true }
-    }));
+    EXPECT_EQ(notices, (std::vector<std::pair<qint64, bool>> {{5, false}, {5, false}, {5, true}, {5, true}}));
 }

@@ -211,9 +211,8 @@ const ConstantsKernels& quotientsByConstants()
 {
     static constexpr ConstantsKernels s_kernels {
         {quotientByConstants<Ipp8u>, quotientByConstants<Ipp16u>, quotientByConstants<Ipp16s>,
-         quotientByConstants<Ipp32f>},
-        nullptr, true
-    };
+            quotientByConstants<Ipp32f>},
+        nullptr, true};
     return s_kernels;
 }
 

@@ -132,10 +132,7 @@ template <class S, class Block> void convert(const Move& move)
 template <class S, class D> constexpr MoveKernel s_widen = convert<S, Widen<S, D>>;
 template <class S, class D> constexpr MoveKernel s_saturate = convert<S, Narrow<S, D, Saturate>>;
 template <class D, int Mode> constexpr MoveKernel s_round = convert<float, Narrow<float, D, Round<Mode>>>;
-template <class D>
-constexpr RoundedKernels s_rounded {
-    {s_round<D, 0>, s_round<D, 1>, s_round<D, 2>}
-};
+template <class D> constexpr RoundedKernels s_rounded {{s_round<D, 0>, s_round<D, 1>, s_round<D, 2>}};
 
 constexpr ConvertKernels s_kernels {s_widen<uint8_t, uint16_t>, s_widen<uint8_t, float>,
     s_widen<uint16_t, float>, s_saturate<uint16_t, uint8_t>, s_saturate<int32_t, uint8_t>, s_rounded<uint8_t>,

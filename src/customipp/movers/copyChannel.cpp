@@ -262,12 +262,9 @@ void fourToThree(const Move& move)
         coverRow(hn::ScalableTag<uint8_t>(), move.area.width, FourToThree {move.src.row(y), move.dst.row(y)});
 }
 
-constexpr ChannelKernels s_kernels {
-    {{extract<uint8_t, 3>, extract<uint16_t, 3>, extract<uint32_t, 3>},
-     {extract<uint8_t, 4>, extract<uint16_t, 4>, extract<uint32_t, 4>}           },
-    {insert<3>,                                                         insert<4>},
-    threeToFour, fourToThree
-};
+constexpr ChannelKernels s_kernels {{{extract<uint8_t, 3>, extract<uint16_t, 3>, extract<uint32_t, 3>},
+                                        {extract<uint8_t, 4>, extract<uint16_t, 4>, extract<uint32_t, 4>}},
+    {insert<3>, insert<4>}, threeToFour, fourToThree};
 } // namespace
 
 const ChannelKernels& copyChannelKernels() { return s_kernels; }

@@ -57,9 +57,7 @@ template <size_t Bytes> void copyMasked(const MaskedMove& move)
     }
 }
 
-constexpr CopyMaskedKernels s_kernels {
-    {copyMasked<1>, copyMasked<2>, copyMasked<3>, copyMasked<4>}
-};
+constexpr CopyMaskedKernels s_kernels {{copyMasked<1>, copyMasked<2>, copyMasked<3>, copyMasked<4>}};
 } // namespace
 
 const CopyMaskedKernels& copyMaskedKernels() { return s_kernels; }

@@ -25,11 +25,8 @@ IppStatus runMasked(
         = checkArguments({src.first, dst.first, mask.first}, roi, {src.step, dst.step, mask.step}))
         return status;
     constexpr size_t bytes = sizeof(T) * Channels;
-    kernels.ofBytes[bytes - 1]({
-        bytesOf(src), bytesOf(dst), mask,
-        areaOf(roi, 1, {{src.step, bytes}, {dst.step, bytes}, {mask.step, 1}}
-          )
-    });
+    kernels.ofBytes[bytes - 1]({bytesOf(src), bytesOf(dst), mask,
+        areaOf(roi, 1, {{src.step, bytes}, {dst.step, bytes}, {mask.step, 1}})});
     return ippStsNoErr;
 }
 

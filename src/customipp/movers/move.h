@@ -67,11 +67,8 @@ IppStatus runMoveKernel(
     const int together = srcLanes == dstLanes ? srcLanes : 1;
     const size_t srcBytes = sizeof(S) * size_t(srcLanes / together);
     const size_t dstBytes = sizeof(D) * size_t(dstLanes / together);
-    kernel({
-        bytesOf(src), bytesOf(dst), areaOf(roi, together, {{src.step, srcBytes}, {dst.step, dstBytes}}
-            ),
-        dstBytes
-    });
+    kernel({bytesOf(src), bytesOf(dst), areaOf(roi, together, {{src.step, srcBytes}, {dst.step, dstBytes}}),
+        dstBytes});
     return ippStsNoErr;
 }
 

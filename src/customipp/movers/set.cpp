@@ -112,10 +112,7 @@ void fillChannel(const Fill& fill)
         FillChannel {fill.dst.row(y), *fill.pixel}.row(hn::ScalableTag<uint8_t>(), fill.area.width);
 }
 
-constexpr SetKernels s_kernels {
-    {fillPixels<1>, fillPixels<2>, fillPixels<3>, fillPixels<4>},
-    fillChannel
-};
+constexpr SetKernels s_kernels {{fillPixels<1>, fillPixels<2>, fillPixels<3>, fillPixels<4>}, fillChannel};
 } // namespace
 
 const SetKernels& setKernels() { return s_kernels; }

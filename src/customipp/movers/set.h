@@ -25,10 +25,7 @@ IppStatus runFill(const SetKernels& kernels, const T* pixel, Rows<T> dst, IppiSi
     if (const IppStatus status = checkArguments({pixel, dst.first}, roi, {dst.step}))
         return status;
     constexpr size_t bytes = sizeof(T) * Channels;
-    const Area area = areaOf(roi, 1,
-        {
-            {dst.step, bytes}
-    });
+    const Area area = areaOf(roi, 1, {{dst.step, bytes}});
     kernels.ofBytes[bytes - 1]({bytesOf(dst), area, reinterpret_cast<const uint8_t*>(pixel),
         area.width * area.height * bytes > lastLevelCacheBytes()});
     return ippStsNoErr;
@@ -41,10 +38,7 @@ IppStatus runFillChannel(const SetKernels& kernels, T value, Rows<T> dst, IppiSi
     static_assert(sizeof(T) == 1 && Channels == 4);
     if (const IppStatus status = checkArguments({dst.first}, roi, {dst.step}))
         return status;
-    kernels.channel({
-        dst, areaOf(roi, 1, {{dst.step, Channels}}
-           ), &value, false
-    });
+    kernels.channel({dst, areaOf(roi, 1, {{dst.step, Channels}}), &value, false});
     return ippStsNoErr;
 }
 

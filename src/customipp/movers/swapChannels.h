@@ -24,10 +24,7 @@ inline IppStatus runSwapChannels(
     for (int k = 0; k < 4; ++k)
         if (order[k] < 0 || order[k] > 3)
             return ippStsChannelOrderErr;
-    kernels.four({
-        pixels, areaOf(roi, 1, {{pixels.step, 4}}
-           ), order
-    });
+    kernels.four({pixels, areaOf(roi, 1, {{pixels.step, 4}}), order});
     return ippStsNoErr;
 }
 

@@ -139,9 +139,7 @@ template <class T> void minMax(const T* src, size_t n, T* least, T* greatest)
 }
 
 constexpr SignalKernels s_kernels {
-    {convert<0>,     convert<1>,     convert<2>    },
-    {minMax<Ipp32u>, minMax<Ipp32s>, minMax<Ipp64f>}
-};
+    {convert<0>, convert<1>, convert<2>}, {minMax<Ipp32u>, minMax<Ipp32s>, minMax<Ipp64f>}};
 } // namespace
 
 const SignalKernels& signalKernels() { return s_kernels; }

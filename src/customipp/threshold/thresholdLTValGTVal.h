@@ -68,11 +68,7 @@ IppStatus runTwoLevels(const ThresholdLTValGTValKernels& kernels, Rows<const T> 
     for (int c = 0; c < (Channels == 1 ? 1 : 3); ++c)
         if (levels.thresholdLT[c] > levels.thresholdGT[c])
             return ippStsThresholdErr;
-    const Area area = areaOf(roi, Channels,
-        {
-            {src.step, sizeof(T)},
-            {dst.step, sizeof(T)}
-    });
+    const Area area = areaOf(roi, Channels, {{src.step, sizeof(T)}, {dst.step, sizeof(T)}});
     kernels.of<T, Channels>()({src, dst, area, levels});
     return ippStsNoErr;
 }

@@ -226,20 +226,20 @@ Scene::Scene(int i_width, int i_height, double i_frame)
 {
     const double middle = m_height / 2;
     const std::vector<Part> carried = {
-        {Kind::Plate,  {70, middle - 78},  62,           0.12,                 s_zinc                    },
-        {Kind::Washer, {68, middle + 96},  34,           0,                    s_brass                   },
-        {Kind::Gear,   {190, middle + 46}, 62,           0.2,                  s_steel,                    18},
-        {Kind::Nut,            {212, middle - 104},                      30,    0.4, s_dark                    },
-        {Kind::Bolt,            {312, middle - 92},                     56,    0.5,  s_steel },
-        {Kind::Washer,            {318, middle + 108},                   24, 0, s_copper                        },
-        {Kind::Nut,            {342, middle + 8},                      26,      0.1,   s_brass},
-        {Kind::Bolt,            {452, middle + 96},                     52,    -0.35,  s_dark                       },
-        {Kind::Gear,            {470, middle - 58},                     38,    0.5,  s_brass,13},
-        {Kind::Washer,          {566, middle + 30},                            30,                             0,                      s_steel                    },
-        {Kind::Plate,     {640, middle + 104},                       46,                         -0.2, s_copper},
-        {Kind::Nut,    {650, middle - 52},                      34,                          0.9,                         s_zinc                                             },
-        {Kind::Bolt,      {742, middle - 10},                        58,                           1.2,s_zinc},
-        {Kind::Washer,      {790, middle + 102},                        38,                         0,                      s_dark                                                                   },
+        {Kind::Plate, {70, middle - 78}, 62, 0.12, s_zinc},
+        {Kind::Washer, {68, middle + 96}, 34, 0, s_brass},
+        {Kind::Gear, {190, middle + 46}, 62, 0.2, s_steel, 18},
+        {Kind::Nut, {212, middle - 104}, 30, 0.4, s_dark},
+        {Kind::Bolt, {312, middle - 92}, 56, 0.5, s_steel},
+        {Kind::Washer, {318, middle + 108}, 24, 0, s_copper},
+        {Kind::Nut, {342, middle + 8}, 26, 0.1, s_brass},
+        {Kind::Bolt, {452, middle + 96}, 52, -0.35, s_dark},
+        {Kind::Gear, {470, middle - 58}, 38, 0.5, s_brass, 13},
+        {Kind::Washer, {566, middle + 30}, 30, 0, s_steel},
+        {Kind::Plate, {640, middle + 104}, 46, -0.2, s_copper},
+        {Kind::Nut, {650, middle - 52}, 34, 0.9, s_zinc},
+        {Kind::Bolt, {742, middle - 10}, 58, 1.2, s_zinc},
+        {Kind::Washer, {790, middle + 102}, 38, 0, s_dark},
     };
     for (Part part : carried) {
         part.centre.x = std::fmod(part.centre.x + m_shift, s_beltLength) - 110;
@@ -247,14 +247,8 @@ Scene::Scene(int i_width, int i_height, double i_frame)
     }
     // The two that turn in their places overlap the upper rail; their pitch circles touch.
     const double turn = i_frame * 0.09;
-    m_parts.push_back({
-        Kind::Gear, {540, 66},
-         56, turn, s_steel, 20
-    });
-    m_parts.push_back({
-        Kind::Gear, {462, 34},
-         31, -turn * 20 / 11 + 0.16, s_brass, 11
-    });
+    m_parts.push_back({Kind::Gear, {540, 66}, 56, turn, s_steel, 20});
+    m_parts.push_back({Kind::Gear, {462, 34}, 31, -turn * 20 / 11 + 0.16, s_brass, 11});
 }
 
 double Scene::lampAt(int i_x, int i_y) const

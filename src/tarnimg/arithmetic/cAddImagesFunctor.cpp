@@ -14,12 +14,12 @@ using frame::Unary;
 constexpr char s_operator[] = "cAddImagesFunctor::operator ()";
 
 constexpr twoImages::Variant s_variants[] = {
-    {cImgType::UInt8,   1, Binary<ippiAdd_8u_C1RSfs>::call,  Unary<ippiAdd_8u_C1IRSfs>::call },
-    {cImgType::UInt16,  1, Binary<ippiAdd_16u_C1RSfs>::call, Unary<ippiAdd_16u_C1IRSfs>::call},
-    {cImgType::SInt16,  1, Binary<ippiAdd_16s_C1RSfs>::call, Unary<ippiAdd_16s_C1IRSfs>::call},
-    {cImgType::Float32, 1, Binary<ippiAdd_32f_C1R>::call,    Unary<ippiAdd_32f_C1IR>::call   },
-    {cImgType::RGB24,   3, Binary<ippiAdd_8u_C3RSfs>::call,  Unary<ippiAdd_8u_C3IRSfs>::call },
-    {cImgType::RGB32,   4, Binary<ippiAdd_8u_C4RSfs>::call,  Unary<ippiAdd_8u_C4IRSfs>::call },
+    {cImgType::UInt8, 1, Binary<ippiAdd_8u_C1RSfs>::call, Unary<ippiAdd_8u_C1IRSfs>::call},
+    {cImgType::UInt16, 1, Binary<ippiAdd_16u_C1RSfs>::call, Unary<ippiAdd_16u_C1IRSfs>::call},
+    {cImgType::SInt16, 1, Binary<ippiAdd_16s_C1RSfs>::call, Unary<ippiAdd_16s_C1IRSfs>::call},
+    {cImgType::Float32, 1, Binary<ippiAdd_32f_C1R>::call, Unary<ippiAdd_32f_C1IR>::call},
+    {cImgType::RGB24, 3, Binary<ippiAdd_8u_C3RSfs>::call, Unary<ippiAdd_8u_C3IRSfs>::call},
+    {cImgType::RGB32, 4, Binary<ippiAdd_8u_C4RSfs>::call, Unary<ippiAdd_8u_C4IRSfs>::call},
 };
 
 } // namespace

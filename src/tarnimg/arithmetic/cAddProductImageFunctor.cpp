@@ -19,9 +19,9 @@ struct Variant {
 };
 
 constexpr Variant s_variants[] = {
-    {cImgType::UInt8,   1, frame::Binary<ippiAddProduct_8u32f_C1IR>::call },
-    {cImgType::UInt16,  1, frame::Binary<ippiAddProduct_16u32f_C1IR>::call},
-    {cImgType::Float32, 1, frame::Binary<ippiAddProduct_32f_C1IR>::call   },
+    {cImgType::UInt8, 1, frame::Binary<ippiAddProduct_8u32f_C1IR>::call},
+    {cImgType::UInt16, 1, frame::Binary<ippiAddProduct_16u32f_C1IR>::call},
+    {cImgType::Float32, 1, frame::Binary<ippiAddProduct_32f_C1IR>::call},
 };
 
 } // namespace
@@ -47,8 +47,6 @@ void cAddProductImageFunctor::reset() { accumulator::clear(m_sum); }
 class cAddProductImageStation : public cFunctorStationT<cAddProductImageFunctor, cImg, cImg, cImg> {};
 
 static const cStationRegistration<cAddProductImageStation> s_registration("ipp/image/arithmetic/addProduct",
-    {
-        "Running sum of products of two images, as a Float32 image.", {                                                              },
-        { "A new sum is not cleared: its first content is unpredictable.",
-                                                                       "The sum grows without bound: there is no window and no decay."}
-});
+    {"Running sum of products of two images, as a Float32 image.", {},
+        {"A new sum is not cleared: its first content is unpredictable.",
+            "The sum grows without bound: there is no window and no decay."}});

@@ -19,9 +19,9 @@ struct Variant {
 };
 
 constexpr Variant s_variants[] = {
-    {cImgType::UInt8,   1, frame::Unary<ippiAddSquare_8u32f_C1IR>::call },
-    {cImgType::UInt16,  1, frame::Unary<ippiAddSquare_16u32f_C1IR>::call},
-    {cImgType::Float32, 1, frame::Unary<ippiAddSquare_32f_C1IR>::call   },
+    {cImgType::UInt8, 1, frame::Unary<ippiAddSquare_8u32f_C1IR>::call},
+    {cImgType::UInt16, 1, frame::Unary<ippiAddSquare_16u32f_C1IR>::call},
+    {cImgType::Float32, 1, frame::Unary<ippiAddSquare_32f_C1IR>::call},
 };
 
 } // namespace
@@ -47,8 +47,6 @@ void cAddSquareImageFunctor::reset() { accumulator::clear(m_sum); }
 class cAddSquareImageStation : public cFunctorStationT<cAddSquareImageFunctor, cImg, cImg, void> {};
 
 static const cStationRegistration<cAddSquareImageStation> s_registration("ipp/image/arithmetic/addSquare",
-    {
-        "Running sum of squares, as a Float32 image.", {                                           },
-        { "The sum grows without bound: there is no window and no decay.",
-                                                        "An image of another size starts a new sum."}
-});
+    {"Running sum of squares, as a Float32 image.", {},
+        {"The sum grows without bound: there is no window and no decay.",
+            "An image of another size starts a new sum."}});

@@ -18,7 +18,7 @@ struct Variant {
 };
 
 constexpr Variant s_variants[] = {
-    {cImgType::SInt16,  1, frame::Unary<ippiAbs_16s_C1R>::call},
+    {cImgType::SInt16, 1, frame::Unary<ippiAbs_16s_C1R>::call},
     {cImgType::Float32, 1, frame::Unary<ippiAbs_32f_C1R>::call},
 };
 

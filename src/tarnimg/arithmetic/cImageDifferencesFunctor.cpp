@@ -13,10 +13,10 @@ using frame::Binary;
 constexpr char s_operator[] = "cImageDifferencesFunctor::operator ()";
 
 constexpr twoImages::Variant s_variants[] = {
-    {cImgType::UInt8,   1, Binary<ippiAbsDiff_8u_C1R>::call },
-    {cImgType::UInt16,  1, Binary<ippiAbsDiff_16u_C1R>::call},
+    {cImgType::UInt8, 1, Binary<ippiAbsDiff_8u_C1R>::call},
+    {cImgType::UInt16, 1, Binary<ippiAbsDiff_16u_C1R>::call},
     {cImgType::Float32, 1, Binary<ippiAbsDiff_32f_C1R>::call},
-    {cImgType::RGB24,   3, Binary<ippiAbsDiff_8u_C3R>::call },
+    {cImgType::RGB24, 3, Binary<ippiAbsDiff_8u_C3R>::call},
 };
 
 } // namespace

@@ -13,12 +13,12 @@ using frame::Rows;
 constexpr char s_operator[] = "cMaxEveryFunctor::operator ()";
 
 constexpr twoImages::EveryVariant s_variants[] = {
-    {cImgType::UInt8,   1, Rows<ippiMaxEvery_8u_C1IR>::call },
-    {cImgType::UInt16,  1, Rows<ippiMaxEvery_16u_C1IR>::call},
-    {cImgType::SInt16,  1, Rows<ippiMaxEvery_16s_C1IR>::call},
+    {cImgType::UInt8, 1, Rows<ippiMaxEvery_8u_C1IR>::call},
+    {cImgType::UInt16, 1, Rows<ippiMaxEvery_16u_C1IR>::call},
+    {cImgType::SInt16, 1, Rows<ippiMaxEvery_16s_C1IR>::call},
     {cImgType::Float32, 1, Rows<ippiMaxEvery_32f_C1IR>::call},
-    {cImgType::RGB24,   3, Rows<ippiMaxEvery_8u_C3IR>::call },
-    {cImgType::RGB32,   4, Rows<ippiMaxEvery_8u_C4IR>::call },
+    {cImgType::RGB24, 3, Rows<ippiMaxEvery_8u_C3IR>::call},
+    {cImgType::RGB32, 4, Rows<ippiMaxEvery_8u_C4IR>::call},
 };
 
 } // namespace

@@ -13,12 +13,12 @@ using frame::Rows;
 constexpr char s_operator[] = "cMinEveryFunctor::operator ()";
 
 constexpr twoImages::EveryVariant s_variants[] = {
-    {cImgType::UInt8,   1, Rows<ippiMinEvery_8u_C1IR>::call },
-    {cImgType::UInt16,  1, Rows<ippiMinEvery_16u_C1IR>::call},
-    {cImgType::SInt16,  1, Rows<ippiMinEvery_16s_C1IR>::call},
+    {cImgType::UInt8, 1, Rows<ippiMinEvery_8u_C1IR>::call},
+    {cImgType::UInt16, 1, Rows<ippiMinEvery_16u_C1IR>::call},
+    {cImgType::SInt16, 1, Rows<ippiMinEvery_16s_C1IR>::call},
     {cImgType::Float32, 1, Rows<ippiMinEvery_32f_C1IR>::call},
-    {cImgType::RGB24,   3, Rows<ippiMinEvery_8u_C3IR>::call },
-    {cImgType::RGB32,   4, Rows<ippiMinEvery_8u_C4IR>::call },
+    {cImgType::RGB24, 3, Rows<ippiMinEvery_8u_C3IR>::call},
+    {cImgType::RGB32, 4, Rows<ippiMinEvery_8u_C4IR>::call},
 };
 
 } // namespace

@@ -14,12 +14,12 @@ using frame::Unary;
 constexpr char s_operator[] = "cMultiplyImagesFunctor::operator ()";
 
 constexpr twoImages::Variant s_variants[] = {
-    {cImgType::UInt8,   1, Binary<ippiMul_8u_C1RSfs>::call,  Unary<ippiMul_8u_C1IRSfs>::call },
-    {cImgType::UInt16,  1, Binary<ippiMul_16u_C1RSfs>::call, Unary<ippiMul_16u_C1IRSfs>::call},
-    {cImgType::SInt16,  1, Binary<ippiMul_16s_C1RSfs>::call, Unary<ippiMul_16s_C1IRSfs>::call},
-    {cImgType::Float32, 1, Binary<ippiMul_32f_C1R>::call,    Unary<ippiMul_32f_C1IR>::call   },
-    {cImgType::RGB24,   3, Binary<ippiMul_8u_C3RSfs>::call,  Unary<ippiMul_8u_C3IRSfs>::call },
-    {cImgType::RGB32,   4, Binary<ippiMul_8u_C4RSfs>::call,  Unary<ippiMul_8u_C4IRSfs>::call },
+    {cImgType::UInt8, 1, Binary<ippiMul_8u_C1RSfs>::call, Unary<ippiMul_8u_C1IRSfs>::call},
+    {cImgType::UInt16, 1, Binary<ippiMul_16u_C1RSfs>::call, Unary<ippiMul_16u_C1IRSfs>::call},
+    {cImgType::SInt16, 1, Binary<ippiMul_16s_C1RSfs>::call, Unary<ippiMul_16s_C1IRSfs>::call},
+    {cImgType::Float32, 1, Binary<ippiMul_32f_C1R>::call, Unary<ippiMul_32f_C1IR>::call},
+    {cImgType::RGB24, 3, Binary<ippiMul_8u_C3RSfs>::call, Unary<ippiMul_8u_C3IRSfs>::call},
+    {cImgType::RGB32, 4, Binary<ippiMul_8u_C4RSfs>::call, Unary<ippiMul_8u_C4IRSfs>::call},
 };
 
 } // namespace

@@ -15,10 +15,10 @@ namespace {
 
 const cDblRange s_byteRange(0.0, 255.0);
 
-// ---- Any pair of one-channel types -----------------------------------------------------------------------------
+// ---- Any pair of one-channel types
+// -----------------------------------------------------------------------------
 
-template <class S, class D>
-void generic(Program& io_program, const Ranges& i_ranges)
+template <class S, class D> void generic(Program& io_program, const Ranges& i_ranges)
 {
     if (i_ranges.input.getLength() == 0.0 || i_ranges.output.getLength() == 0.0) {
         cTracer::cerr << "Invalid range detected." << cTracer::end();
@@ -34,7 +34,8 @@ void generic(Program& io_program, const Ranges& i_ranges)
     });
 }
 
-// ---- Grey of 8 and 16 bits -------------------------------------------------------------------------------------
+// ---- Grey of 8 and 16 bits
+// -------------------------------------------------------------------------------------
 
 /** The result must be written even if nothing changes. */
 template <class T>
@@ -78,7 +79,8 @@ void uInt16ToUInt8(Program& io_program, const Ranges& i_ranges)
     addMove(io_program, 1, ippiConvert_16u8u_C1R);
 }
 
-// ---- Grey to colour --------------------------------------------------------------------------------------------
+// ---- Grey to colour
+// --------------------------------------------------------------------------------------------
 
 void setAlpha(Program& io_program, Ipp8u i_alpha)
 {
@@ -92,7 +94,8 @@ void addExpand(Program& io_program, ColourExpanders::Row i_expand)
 {
     io_program.move(4, [i_expand](const Tile& tile, SourceRows source, TargetRows target) {
         for (int y = 0; y < tile.height; ++y)
-            i_expand(source.first + y * source.pitch, target.first + y * target.pitch, std::size_t(tile.width));
+            i_expand(
+                source.first + y * source.pitch, target.first + y * target.pitch, std::size_t(tile.width));
     });
 }
 
@@ -116,7 +119,8 @@ void uInt8ToRgb32(Program& io_program, const Ranges& i_ranges)
     addExpand(io_program, colourExpanders().fromGrey);
 }
 
-// ---- Colour to colour ------------------------------------------------------------------------------------------
+// ---- Colour to colour
+// ------------------------------------------------------------------------------------------
 
 void rgb24ToRgb24(Program& io_program, const Ranges& i_ranges)
 {
@@ -172,11 +176,13 @@ void rgb32ToRgb32(Program& io_program, const Ranges& i_ranges)
     }
 }
 
-// ---- Colour to grey --------------------------------------------------------------------------------------------
+// ---- Colour to grey
+// --------------------------------------------------------------------------------------------
 
 /**
- * Subtracts the low end as if four bytes of each pixel were written where there are three: every row but the first
- * begins with bytes that the row before it has reached too, one for each pixel of a row, and that lose it twice.
+ * Subtracts the low end as if four bytes of each pixel were written where there are three: every row but the
+ * first begins with bytes that the row before it has reached too, one for each pixel of a row, and that lose
+ * it twice.
  */
 void addSubtractOverlapping(Program& io_program, const Ranges& i_ranges)
 {
@@ -184,12 +190,13 @@ void addSubtractOverlapping(Program& io_program, const Ranges& i_ranges)
     const qint64 width = io_program.width();
     io_program.needsPlaces();
     io_program.move(3, [=](const Tile& tile, SourceRows source, TargetRows target) {
-        ippiSubC_8u_C1RSfs(source.first, source.step(), low, target.first, target.step(), tile.elements(3), 0);
+        ippiSubC_8u_C1RSfs(
+            source.first, source.step(), low, target.first, target.step(), tile.elements(3), 0);
         const int skipped = tile.y == 0 ? 1 : 0;
         const qint64 twice = std::min<qint64>(width - 3 * tile.x, 3 * tile.width);
         if (twice > 0 && tile.height > skipped) {
-            ippiSubC_8u_C1IRSfs(low, target.at(0, skipped, 0).first, target.step(),
-                {int(twice), tile.height - skipped}, 0);
+            ippiSubC_8u_C1IRSfs(
+                low, target.at(0, skipped, 0).first, target.step(), {int(twice), tile.height - skipped}, 0);
         }
     });
 }
@@ -212,10 +219,12 @@ void rgb32ToUInt8(Program& io_program, const Ranges& i_ranges)
     addStretch<Ipp8u>(io_program, 1, i_ranges);
 }
 
-// ---- Floats ----------------------------------------------------------------------------------------------------
+// ---- Floats
+// ----------------------------------------------------------------------------------------------------
 
 template <class T>
-void toFloat32(Program& io_program, const Ranges& i_ranges, IppStatus (*i_convert)(const T*, int, Ipp32f*, int, IppiSize))
+void toFloat32(Program& io_program, const Ranges& i_ranges,
+    IppStatus (*i_convert)(const T*, int, Ipp32f*, int, IppiSize))
 {
     addLimit<T>(io_program, 1, i_ranges.input, Refused::Source);
     addMove(io_program, 4, i_convert);
@@ -232,34 +241,30 @@ void uInt16ToFloat32(Program& io_program, const Ranges& i_ranges)
     toFloat32<Ipp16u>(io_program, i_ranges, ippiConvert_16u32f_C1R);
 }
 
-// ---- Two routes by way of UInt8 --------------------------------------------------------------------------------
+// ---- Two routes by way of UInt8
+// --------------------------------------------------------------------------------
 
 /** The grey value is stretched over a whole byte before it becomes a colour. */
-template <Route ToUInt8, Route ToColour>
-void toColour(Program& io_program, const Ranges& i_ranges)
+template <Route ToUInt8, Route ToColour> void toColour(Program& io_program, const Ranges& i_ranges)
 {
     ToUInt8(io_program, {i_ranges.input, s_byteRange});
     ToColour(io_program, {s_byteRange, i_ranges.output});
 }
 
 /** The colour becomes a grey value within the input range, which the second route then stretches. */
-template <Route ToUInt8, Route FromUInt8>
-void fromColour(Program& io_program, const Ranges& i_ranges)
+template <Route ToUInt8, Route FromUInt8> void fromColour(Program& io_program, const Ranges& i_ranges)
 {
     ToUInt8(io_program, {i_ranges.input, i_ranges.input});
     FromUInt8(io_program, i_ranges);
 }
 
-template <Route FromUInt8>
-constexpr Route fromRgb24 = fromColour<rgb24ToUInt8, FromUInt8>;
-template <Route FromUInt8>
-constexpr Route fromRgb32 = fromColour<rgb32ToUInt8, FromUInt8>;
-template <Route ToUInt8>
-constexpr Route toRgb24 = toColour<ToUInt8, uInt8ToRgb24>;
-template <Route ToUInt8>
-constexpr Route toRgb32 = toColour<ToUInt8, uInt8ToRgb32>;
+template <Route FromUInt8> constexpr Route fromRgb24 = fromColour<rgb24ToUInt8, FromUInt8>;
+template <Route FromUInt8> constexpr Route fromRgb32 = fromColour<rgb32ToUInt8, FromUInt8>;
+template <Route ToUInt8> constexpr Route toRgb24 = toColour<ToUInt8, uInt8ToRgb24>;
+template <Route ToUInt8> constexpr Route toRgb32 = toColour<ToUInt8, uInt8ToRgb32>;
 
-// ---- The matrix ------------------------------------------------------------------------------------------------
+// ---- The matrix
+// ------------------------------------------------------------------------------------------------
 
 constexpr Route none = nullptr;
 
@@ -268,12 +273,14 @@ constexpr int s_numTypes = 11;
 constexpr Route s_routes[s_numTypes][s_numTypes] = {
     // RGB24 to RGB24, RGB32, UInt8, UInt16, UInt32, SInt8, SInt16, SInt32, SInt64, Float32, Float64
     {rgb24ToRgb24, rgb24ToRgb32, rgb24ToUInt8, fromRgb24<uInt8ToUInt16>, fromRgb24<generic<quint8, quint32>>,
-        fromRgb24<generic<quint8, qint8>>, fromRgb24<generic<quint8, qint16>>, fromRgb24<generic<quint8, qint32>>,
-        none, fromRgb24<uInt8ToFloat32>, fromRgb24<generic<quint8, double>>},
+        fromRgb24<generic<quint8, qint8>>, fromRgb24<generic<quint8, qint16>>,
+        fromRgb24<generic<quint8, qint32>>, none, fromRgb24<uInt8ToFloat32>,
+        fromRgb24<generic<quint8, double>>},
     // RGB32
     {rgb32ToRgb24, rgb32ToRgb32, rgb32ToUInt8, fromRgb32<uInt8ToUInt16>, fromRgb32<generic<quint8, quint32>>,
-        fromRgb32<generic<quint8, qint8>>, fromRgb32<generic<quint8, qint16>>, fromRgb32<generic<quint8, qint32>>,
-        none, fromRgb32<uInt8ToFloat32>, fromRgb32<generic<quint8, double>>},
+        fromRgb32<generic<quint8, qint8>>, fromRgb32<generic<quint8, qint16>>,
+        fromRgb32<generic<quint8, qint32>>, none, fromRgb32<uInt8ToFloat32>,
+        fromRgb32<generic<quint8, double>>},
     // UInt8, which alone has no way to UInt32
     {uInt8ToRgb24, uInt8ToRgb32, uInt8ToUInt8, uInt8ToUInt16, none, generic<quint8, qint8>,
         generic<quint8, qint16>, generic<quint8, qint32>, none, uInt8ToFloat32, generic<quint8, double>},
@@ -283,8 +290,9 @@ constexpr Route s_routes[s_numTypes][s_numTypes] = {
         generic<quint16, double>},
     // UInt32
     {toRgb24<generic<quint32, quint8>>, toRgb32<generic<quint32, quint8>>, generic<quint32, quint8>,
-        generic<quint32, quint16>, generic<quint32, quint32>, generic<quint32, qint8>, generic<quint32, qint16>,
-        generic<quint32, qint32>, none, generic<quint32, float>, generic<quint32, double>},
+        generic<quint32, quint16>, generic<quint32, quint32>, generic<quint32, qint8>,
+        generic<quint32, qint16>, generic<quint32, qint32>, none, generic<quint32, float>,
+        generic<quint32, double>},
     // SInt8
     {toRgb24<generic<qint8, quint8>>, toRgb32<generic<qint8, quint8>>, generic<qint8, quint8>,
         generic<qint8, quint16>, generic<qint8, quint32>, generic<qint8, qint8>, generic<qint8, qint16>,
@@ -300,9 +308,9 @@ constexpr Route s_routes[s_numTypes][s_numTypes] = {
     // SInt64
     {none, none, none, none, none, none, none, none, generic<qint64, qint64>, none, none},
     // Float32
-    {toRgb24<addFloatChain<Ipp8u>>, toRgb32<addFloatChain<Ipp8u>>, addFloatChain<Ipp8u>, addFloatChain<Ipp16u>,
-        generic<float, quint32>, addFloatChain<Ipp8s>, addFloatChain<Ipp16s>, generic<float, qint32>, none,
-        addFloatChain<Ipp32f>, generic<float, double>},
+    {toRgb24<addFloatChain<Ipp8u>>, toRgb32<addFloatChain<Ipp8u>>, addFloatChain<Ipp8u>,
+        addFloatChain<Ipp16u>, generic<float, quint32>, addFloatChain<Ipp8s>, addFloatChain<Ipp16s>,
+        generic<float, qint32>, none, addFloatChain<Ipp32f>, generic<float, double>},
     // Float64
     {toRgb24<generic<double, quint8>>, toRgb32<generic<double, quint8>>, generic<double, quint8>,
         generic<double, quint16>, generic<double, quint32>, generic<double, qint8>, generic<double, qint16>,
@@ -310,10 +318,7 @@ constexpr Route s_routes[s_numTypes][s_numTypes] = {
 };
 
 /** Memory from outside may have room between its pixels, which the steps know nothing of. */
-bool hasGaps(const cImg& i_image)
-{
-    return i_image.getXPitch() != i_image.getImgType().getPixelSize();
-}
+bool hasGaps(const cImg& i_image) { return i_image.getXPitch() != i_image.getImgType().getPixelSize(); }
 
 } // namespace
 

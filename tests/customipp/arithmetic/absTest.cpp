@@ -37,12 +37,7 @@ void expectMagnitudesOfDifferences(const char* i_symbol, int i_channels, Functio
     PixelSource<T> random;
     for (const int width : everyWidth())
         for (const int height : everyHeight())
-            for (const Layout layout : {
-                     Layout {0,  0},
-                      Layout {0,  3},
-                      Layout {12, 1},
-                      Layout {64, 0}
-            }) {
+            for (const Layout layout : {Layout {0, 0}, Layout {0, 3}, Layout {12, 1}, Layout {64, 0}}) {
                 SCOPED_TRACE(
                     std::string(i_symbol) + " " + std::to_string(width) + " x " + std::to_string(height));
                 const int lanes = width * i_channels;

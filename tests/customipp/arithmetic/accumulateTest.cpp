@@ -15,12 +15,7 @@ template <class T, class Call> void expectSums(const char* i_symbol, bool i_squa
     PixelSource<float> randomSum(9);
     for (const int width : everyWidth())
         for (const int height : everyHeight())
-            for (const Layout layout : {
-                     Layout {0,  0},
-                      Layout {0,  3},
-                      Layout {12, 1},
-                      Layout {64, 0}
-            }) {
+            for (const Layout layout : {Layout {0, 0}, Layout {0, 3}, Layout {12, 1}, Layout {64, 0}}) {
                 SCOPED_TRACE(
                     std::string(i_symbol) + " " + std::to_string(width) + " x " + std::to_string(height));
                 Plane<T> a(width, height, layout), b(width, height, {4, 5});

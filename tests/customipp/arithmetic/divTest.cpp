@@ -132,19 +132,10 @@ TEST_P(divTest, FloatsFollowTheIeeeQuotient)
     struct {
         float divisor, dividend, quotient;
         IppStatus status;
-    } const cases[] = {
-        {0,      0,      nan,      ippStsDivByZero},
-        {0,      1,      inf,      ippStsDivByZero},
-        {0,      -1,     -inf,     ippStsDivByZero},
-        {-0.0f,  1,      -inf,     ippStsDivByZero},
-        {-0.0f,  -1,     inf,      ippStsDivByZero},
-        {0,      nan,    nan,      ippStsDivByZero},
-        {nan,    1,      nan,      ippStsNoErr    },
-        {1e-40f, 1e-40f, 1,        ippStsNoErr    },
-        {1e-30f, 1e30f,  inf,      ippStsNoErr    },
-        {3,      1,      1.0f / 3, ippStsNoErr    },
-        {inf,    1,      0,        ippStsNoErr    }
-    };
+    } const cases[] = {{0, 0, nan, ippStsDivByZero}, {0, 1, inf, ippStsDivByZero},
+        {0, -1, -inf, ippStsDivByZero}, {-0.0f, 1, -inf, ippStsDivByZero}, {-0.0f, -1, inf, ippStsDivByZero},
+        {0, nan, nan, ippStsDivByZero}, {nan, 1, nan, ippStsNoErr}, {1e-40f, 1e-40f, 1, ippStsNoErr},
+        {1e-30f, 1e30f, inf, ippStsNoErr}, {3, 1, 1.0f / 3, ippStsNoErr}, {inf, 1, 0, ippStsNoErr}};
     for (const auto& row : cases) {
         float out = 5;
         EXPECT_EQ(ippiDiv_32f_C1R(&row.divisor, 4, &row.dividend, 4, &out, 4, {1, 1}), row.status);

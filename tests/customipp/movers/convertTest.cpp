@@ -82,11 +82,8 @@ TEST_P(convertTest, ThreeModesOfOneHalf)
     const struct {
         IppRoundMode mode;
         int expected[8];
-    } rows[] = {
-        {ippRndZero,      {0, 1, 2, 0, 254, 255, 255, 0}},
-        {ippRndNear,      {0, 2, 2, 0, 254, 255, 255, 0}},
-        {ippRndFinancial, {1, 2, 3, 0, 255, 255, 255, 0}}
-    };
+    } rows[] = {{ippRndZero, {0, 1, 2, 0, 254, 255, 255, 0}}, {ippRndNear, {0, 2, 2, 0, 254, 255, 255, 0}},
+        {ippRndFinancial, {1, 2, 3, 0, 255, 255, 255, 0}}};
     for (const auto& row : rows) {
         Ipp8u out[8] = {};
         ASSERT_EQ(ippiConvert_32f8u_C1R(halves, 32, out, 8, {8, 1}, row.mode), ippStsNoErr);

@@ -49,12 +49,7 @@ void expectOrder(const char* i_symbol, Uses i_uses, const std::function<IppStatu
             expectStatus(
                 arguments, ippStsNullPtrErr, "null pointer " + std::to_string(image) + " before all else");
         }
-    for (const IppiSize size : {
-             IppiSize {0,  1 },
-              IppiSize {1,  0 },
-              IppiSize {-1, 1 },
-              IppiSize {1,  -1}
-    }) {
+    for (const IppiSize size : {IppiSize {0, 1}, IppiSize {1, 0}, IppiSize {-1, 1}, IppiSize {1, -1}}) {
         Arguments arguments = allWrong;
         arguments.size = size;
         expectStatus(arguments, ippStsSizeErr, "size before steps");

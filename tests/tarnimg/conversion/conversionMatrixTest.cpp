@@ -108,84 +108,29 @@ std::vector<Range> inputRanges(reference::Type i_type)
     case reference::RGB24:
     case reference::RGB32:
     case reference::UInt8:
-        return {
-            {0,     255  },
-            {10,    200  },
-            {10.75, 200.5},
-            {0,     100  },
-            {100,   101  },
-            {0.25,  255  },
-            {3,     300  },
-            {200,   300  },
-            {-20,   90   },
-            {-1,    256  },
-            {0,     1e6  }
-        };
+        return {{0, 255}, {10, 200}, {10.75, 200.5}, {0, 100}, {100, 101}, {0.25, 255}, {3, 300}, {200, 300},
+            {-20, 90}, {-1, 256}, {0, 1e6}};
     case reference::UInt16:
-        return {
-            {0,     65535},
-            {0,     255  },
-            {1000,  60000},
-            {10.75, 200.5},
-            {100,   101  },
-            {3,     70000},
-            {60000, 70000},
-            {-20,   90   },
-            {0,     1e9  }
-        };
+        return {{0, 65535}, {0, 255}, {1000, 60000}, {10.75, 200.5}, {100, 101}, {3, 70000}, {60000, 70000},
+            {-20, 90}, {0, 1e9}};
     case reference::SInt8:
-        return {
-            {-128,   127 },
-            {0,      127 },
-            {-10.25, 99.5},
-            {-300,   300 },
-            {5,      6   }
-        };
+        return {{-128, 127}, {0, 127}, {-10.25, 99.5}, {-300, 300}, {5, 6}};
     case reference::Float32:
     case reference::Float64:
-        return {
-            {-1,     1     },
-            {0,      255   },
-            {0,      1     },
-            {-250.5, 249.75},
-            {-1e10,  1e10  },
-            {1e-3,   2e-3  },
-            {-100,   155   }
-        };
+        return {{-1, 1}, {0, 255}, {0, 1}, {-250.5, 249.75}, {-1e10, 1e10}, {1e-3, 2e-3}, {-100, 155}};
     case reference::SInt64:
-        return {
-            {-9223372036854775808.0, 9223372036854775808.0},
-            {0,                      1000                 },
-            {-1e18,                  1e17                 }
-        };
+        return {{-9223372036854775808.0, 9223372036854775808.0}, {0, 1000}, {-1e18, 1e17}};
     default:
-        return {
-            {-32768,        32767       },
-            {0,             4294967295.0},
-            {-2147483648.0, 2147483647.0},
-            {0,             255         },
-            {-10.25,        9999.5      },
-            {5,             6           }
-        };
+        return {{-32768, 32767}, {0, 4294967295.0}, {-2147483648.0, 2147483647.0}, {0, 255}, {-10.25, 9999.5},
+            {5, 6}};
     }
 }
 
 /** Output ranges: whole ones, inside, with fractions, shifted, wider than types, of width 0. */
 std::vector<Range> outputRanges(reference::Type i_type)
 {
-    std::vector<Range> ranges {
-        {0,     255   },
-        {0,     1     },
-        {20,    220.5 },
-        {-50,   50    },
-        {0,     300   },
-        {-3.75, 3.25  },
-        {7,     7     },
-        {0,     65535 },
-        {250,   1000.5},
-        {-1e10, 1e10  },
-        {0,     0.01  }
-    };
+    std::vector<Range> ranges {{0, 255}, {0, 1}, {20, 220.5}, {-50, 50}, {0, 300}, {-3.75, 3.25}, {7, 7},
+        {0, 65535}, {250, 1000.5}, {-1e10, 1e10}, {0, 0.01}};
     switch (i_type) {
     case reference::SInt8:
         ranges.push_back({-128, 127});
@@ -350,17 +295,9 @@ TEST_P(conversionMatrixTest, EveryGreyLevelOfSixteenBitsIsStretchedAsInTheRefere
     }
     for (const reference::Type to : reference::everyType)
         if (reference::isSupported(reference::UInt16, to))
-            for (const Range& input : {
-                     Range {0,   65535},
-                      Range {123, 4567 },
-                      Range {0,   254.5}
-            })
-                for (const Range& output : {
-                         Range {0,   255  },
-                          Range {0,   65535},
-                          Range {-10, 10   },
-                          Range {1,   1.5  }
-                })
+            for (const Range& input : {Range {0, 65535}, Range {123, 4567}, Range {0, 254.5}})
+                for (const Range& output :
+                    {Range {0, 255}, Range {0, 65535}, Range {-10, 10}, Range {1, 1.5}})
                     expectConversion(levels, to, input, output);
 }
 
@@ -389,21 +326,10 @@ template <class T> reference::Image imageNextToHalves(reference::Type i_type, Ra
 
 TEST_P(conversionMatrixTest, ValuesNextToAHalfAreRoundedAsInTheReference)
 {
-    for (const Range& input : {
-             Range {-1,    1   },
-              Range {-300,  300 },
-              Range {0,     1000},
-              Range {-1e6,  3e6 },
-              Range {10.25, 11.5}
-    })
-        for (const Range& output : {
-                 Range {0,             255         },
-                  Range {-128,          127         },
-                  Range {-300,          300         },
-                  Range {-5.5,          100.25      },
-                  Range {0,             65535       },
-                 Range {-2147483648.0, 2147483647.0}
-        })
+    for (const Range& input :
+        {Range {-1, 1}, Range {-300, 300}, Range {0, 1000}, Range {-1e6, 3e6}, Range {10.25, 11.5}})
+        for (const Range& output : {Range {0, 255}, Range {-128, 127}, Range {-300, 300},
+                 Range {-5.5, 100.25}, Range {0, 65535}, Range {-2147483648.0, 2147483647.0}})
             for (const reference::Type to : reference::everyType)
                 if (reference::isSupported(reference::Float64, to)) {
                     expectConversion(
@@ -420,11 +346,7 @@ TEST_P(conversionMatrixTest, MappingsOntoHalvesAreRoundedAsInTheReference)
         {reference::UInt8, reference::SInt8, reference::UInt16, reference::SInt16, reference::SInt32})
         for (const reference::Type to : reference::everyType)
             if (reference::isSupported(from, to))
-                for (const Range& output : {
-                         Range {0,    50   },
-                          Range {-25,  25   },
-                          Range {0.5,  100.5},
-                          Range {-0.5, 99.5 }
-                })
+                for (const Range& output :
+                    {Range {0, 50}, Range {-25, 25}, Range {0.5, 100.5}, Range {-0.5, 99.5}})
                     expectConversion(randomImage(from, 300, 3), to, {0, 100}, output);
 }

@@ -194,10 +194,7 @@ TEST_F(cImgIOFiles, OfOtherTypesAreNarrowedToAByte)
 {
     add("*.png", s_both);
     TraceLines trace;
-    cImg image = makeImage<float>(cImgType::Float32,
-        {
-            {-1.0f, 0.0f, 1.0f, 5.0f}
-    });
+    cImg image = makeImage<float>(cImgType::Float32, {{-1.0f, 0.0f, 1.0f, 5.0f}});
     EXPECT_TRUE(image.writeImg(path("a.png")));
     EXPECT_EQ(trace.take(),
         QStringList(QStringLiteral("Unsupported image type(Float32). File is converted to 8 bit.")));

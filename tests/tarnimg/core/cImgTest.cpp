@@ -656,29 +656,14 @@ TEST(cImg, CopyFromCopiesTheOverlap)
 {
     cImg small = generateImage(cImgType::UInt8, 3, 2, [](unsigned, unsigned) { return quint8(0); });
     small.copyFrom(counted(8, 6));
-    EXPECT_TRUE(samePixels(small,
-        makeImage<quint8>(cImgType::UInt8,
-            {
-                {0, 1, 2 },
-                {8, 9, 10}
-    })));
+    EXPECT_TRUE(samePixels(small, makeImage<quint8>(cImgType::UInt8, {{0, 1, 2}, {8, 9, 10}})));
 
     small.copyFrom(counted(8, 6), Rect(6, 5, 9, 9), Point(1, 1));
-    EXPECT_TRUE(samePixels(small,
-        makeImage<quint8>(cImgType::UInt8,
-            {
-                {0, 1,  2 },
-                {8, 46, 47}
-    })));
+    EXPECT_TRUE(samePixels(small, makeImage<quint8>(cImgType::UInt8, {{0, 1, 2}, {8, 46, 47}})));
 
     // A destination left of the image cuts the right end of the copy, not its start.
     small.copyFrom(counted(8, 6), Point(-1, 0));
-    EXPECT_TRUE(samePixels(small,
-        makeImage<quint8>(cImgType::UInt8,
-            {
-                {0, 1, 2 },
-                {8, 9, 47}
-    })));
+    EXPECT_TRUE(samePixels(small, makeImage<quint8>(cImgType::UInt8, {{0, 1, 2}, {8, 9, 47}})));
 
     const cImg before = small.clone();
     constexpr int least = std::numeric_limits<int>::min();
@@ -713,44 +698,16 @@ TEST(cImg, CopyFromDetachesTheDestination)
 
 TEST(cImg, CopyFromCopiesBytesByThePixelSizeOfTheDestination)
 {
-    const cImg three = makeImage<quint8>(cImgType::UInt8,
-        {
-            {1, 2, 3, 4,  5,  6 },
-            {7, 8, 9, 10, 11, 12}
-    },
-        3);
-    cImg one = makeImage<quint8>(cImgType::UInt8,
-        {
-            {0, 0},
-            {0, 0}
-    });
+    const cImg three = makeImage<quint8>(cImgType::UInt8, {{1, 2, 3, 4, 5, 6}, {7, 8, 9, 10, 11, 12}}, 3);
+    cImg one = makeImage<quint8>(cImgType::UInt8, {{0, 0}, {0, 0}});
     one.copyFrom(three);
-    EXPECT_TRUE(samePixels(one,
-        makeImage<quint8>(cImgType::UInt8,
-            {
-                {1, 2},
-                {7, 8}
-    })));
+    EXPECT_TRUE(samePixels(one, makeImage<quint8>(cImgType::UInt8, {{1, 2}, {7, 8}})));
 
     // The other way round a row takes bytes of the next one, and the last row ends where the source ends.
-    cImg wide = makeImage<quint8>(cImgType::UInt8,
-        {
-            {0, 0, 0, 0, 0, 0},
-            {0, 0, 0, 0, 0, 0}
-    },
-        3);
-    wide.copyFrom(makeImage<quint8>(cImgType::UInt8,
-        {
-            {1, 2},
-            {3, 4}
-    }));
-    EXPECT_TRUE(samePixels(wide,
-        makeImage<quint8>(cImgType::UInt8,
-            {
-                {1, 2, 3, 4, 0, 0},
-                {3, 4, 0, 0, 0, 0}
-    },
-            3)));
+    cImg wide = makeImage<quint8>(cImgType::UInt8, {{0, 0, 0, 0, 0, 0}, {0, 0, 0, 0, 0, 0}}, 3);
+    wide.copyFrom(makeImage<quint8>(cImgType::UInt8, {{1, 2}, {3, 4}}));
+    EXPECT_TRUE(
+        samePixels(wide, makeImage<quint8>(cImgType::UInt8, {{1, 2, 3, 4, 0, 0}, {3, 4, 0, 0, 0, 0}}, 3)));
 }
 
 TEST(cImg, CopyFromMovesPixelsWithinTheirOwnMemory)
@@ -775,29 +732,18 @@ TEST(cImg, GapsBetweenPixelsAreNoPixels)
 {
     unsigned char memory[] = {1, 99, 2, 99, 3, 99, 99, 4, 99, 5, 99, 6, 99, 99};
     const cImg image(cImgType::UInt8, 3, 2, 2, 7, memory, nullptr);
-    const cImg expected = makeImage<quint8>(cImgType::UInt8,
-        {
-            {1, 2, 3},
-            {4, 5, 6}
-    });
+    const cImg expected = makeImage<quint8>(cImgType::UInt8, {{1, 2, 3}, {4, 5, 6}});
     EXPECT_TRUE(samePixels(image, expected));
     EXPECT_TRUE(samePixels(image.clone(), expected));
     EXPECT_EQ(image.clone().getXPitch(), 1u);
-    EXPECT_TRUE(samePixels(cImg(image, true, Rect(1, 1, 2, 1)),
-        makeImage<quint8>(cImgType::UInt8,
-            {
-                {5, 6}
-    })));
+    EXPECT_TRUE(
+        samePixels(cImg(image, true, Rect(1, 1, 2, 1)), makeImage<quint8>(cImgType::UInt8, {{5, 6}})));
     cImg packed(cImgType::UInt8, 3, 2);
     packed.copyFrom(image);
     EXPECT_TRUE(samePixels(packed, expected));
 
     cImg target(cImgType::UInt8, 3, 2, 2, 7, memory, nullptr);
-    target.copyFrom(makeImage<quint8>(cImgType::UInt8,
-                        {
-                            {11, 12}
-    }),
-        Point(1, 0));
+    target.copyFrom(makeImage<quint8>(cImgType::UInt8, {{11, 12}}), Point(1, 0));
     EXPECT_EQ(memory[2], 11);
     EXPECT_EQ(memory[3], 99);
     EXPECT_EQ(memory[4], 12);

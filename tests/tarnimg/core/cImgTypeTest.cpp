@@ -43,20 +43,20 @@ constexpr double s_float = 3.4028234663852886e+38;
 constexpr double s_double = 1.7976931348623157e+308;
 
 const Row s_rows[] = {
-    {cImgType::RGB24,      "RGB24",      3,  1, 3, {0, 255}                                       },
-    {cImgType::RGB32,      "RGB32",      4,  1, 4, {0, 255}                                       },
-    {cImgType::UInt8,      "UInt8",      3,  1, 3, {0, 255}                                       },
-    {cImgType::UInt16,     "UInt16",     6,  2, 3, {0, 65535}                                     },
-    {cImgType::UInt32,     "UInt32",     12, 4, 3, {0, 4294967295.0}                              },
-    {cImgType::SInt8,      "SInt8",      3,  1, 3, {-128, 127}                                    },
-    {cImgType::SInt16,     "SInt16",     6,  2, 3, {-32768, 32767}                                },
-    {cImgType::SInt32,     "SInt32",     12, 4, 3, {-2147483648.0, 2147483647}                    },
-    {cImgType::SInt64,     "SInt64",     24, 8, 3, {-9223372036854775808.0, 9223372036854775808.0}},
-    {cImgType::Float32,    "Float32",    12, 4, 3, {-s_float, s_float}                            },
-    {cImgType::Float64,    "Float64",    24, 8, 3, {-s_double, s_double}                          },
-    {cImgType::Gradient16, "Gradient16", 4,  4, 2, {-32768, 32767}                                },
-    {cImgType::Gradient32, "Gradient32", 8,  8, 2, {-32768, 32767}                                },
-    {cImgType::Complex,    "Complex",    8,  4, 2, {0, 0}                                         },
+    {cImgType::RGB24, "RGB24", 3, 1, 3, {0, 255}},
+    {cImgType::RGB32, "RGB32", 4, 1, 4, {0, 255}},
+    {cImgType::UInt8, "UInt8", 3, 1, 3, {0, 255}},
+    {cImgType::UInt16, "UInt16", 6, 2, 3, {0, 65535}},
+    {cImgType::UInt32, "UInt32", 12, 4, 3, {0, 4294967295.0}},
+    {cImgType::SInt8, "SInt8", 3, 1, 3, {-128, 127}},
+    {cImgType::SInt16, "SInt16", 6, 2, 3, {-32768, 32767}},
+    {cImgType::SInt32, "SInt32", 12, 4, 3, {-2147483648.0, 2147483647}},
+    {cImgType::SInt64, "SInt64", 24, 8, 3, {-9223372036854775808.0, 9223372036854775808.0}},
+    {cImgType::Float32, "Float32", 12, 4, 3, {-s_float, s_float}},
+    {cImgType::Float64, "Float64", 24, 8, 3, {-s_double, s_double}},
+    {cImgType::Gradient16, "Gradient16", 4, 4, 2, {-32768, 32767}},
+    {cImgType::Gradient32, "Gradient32", 8, 8, 2, {-32768, 32767}},
+    {cImgType::Complex, "Complex", 8, 4, 2, {0, 0}},
 };
 
 QStringList words(const char* i_words) { return QString::fromLatin1(i_words).split(u' '); }

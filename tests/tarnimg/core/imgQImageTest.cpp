@@ -22,12 +22,7 @@ std::vector<int> greysOf(const QImage& i_image)
 
 TEST(imgQImage, GreyGoesToAnIndexedImageWithAGreyTable)
 {
-    const QImage out = makeImage<quint8>(cImgType::UInt8,
-        {
-            {0,   1,   2},
-            {128, 254,
-             255        }
-    }).toQImage();
+    const QImage out = makeImage<quint8>(cImgType::UInt8, {{0, 1, 2}, {128, 254, 255}}).toQImage();
     EXPECT_EQ(out.format(), QImage::Format_Indexed8);
     ASSERT_EQ(out.colorCount(), 256);
     for (int i = 0; i < 256; ++i)
@@ -37,10 +32,7 @@ TEST(imgQImage, GreyGoesToAnIndexedImageWithAGreyTable)
 
 TEST(imgQImage, TheRangeOfAnImageDoesNotCount)
 {
-    cImg image = makeImage<quint8>(cImgType::UInt8,
-        {
-            {10, 20}
-    });
+    cImg image = makeImage<quint8>(cImgType::UInt8, {{10, 20}});
     image.setRange(10, 20);
     image.imgType().setGamma(3);
     EXPECT_EQ(greysOf(image.toQImage()), std::vector<int>({10, 20}));
@@ -48,10 +40,7 @@ TEST(imgQImage, TheRangeOfAnImageDoesNotCount)
 
 TEST(imgQImage, SixteenBitsAboveAByteBecomeWhite)
 {
-    const cImg image = makeImage<quint16>(cImgType::UInt16,
-        {
-            {0, 255, 256, 65535, 100}
-    });
+    const cImg image = makeImage<quint16>(cImgType::UInt16, {{0, 255, 256, 65535, 100}});
     const QImage out = image.toQImage();
     EXPECT_EQ(out.format(), QImage::Format_Indexed8);
     EXPECT_EQ(greysOf(out), std::vector<int>({0, 255, 255, 255, 100}));
@@ -59,19 +48,11 @@ TEST(imgQImage, SixteenBitsAboveAByteBecomeWhite)
 
 TEST(imgQImage, ColoursKeepTheirBytesInTheOrderOfTheFormat)
 {
-    const QImage rgb = makeImage<quint8>(cImgType::RGB24,
-        {
-            {1, 2, 3, 4, 5,
-             6}
-    }).toQImage();
+    const QImage rgb = makeImage<quint8>(cImgType::RGB24, {{1, 2, 3, 4, 5, 6}}).toQImage();
     EXPECT_EQ(rgb.format(), QImage::Format_RGB888);
     EXPECT_EQ(rgb.pixel(0, 0), qRgb(1, 2, 3));
     EXPECT_EQ(rgb.pixel(1, 0), qRgb(4, 5, 6));
-    const QImage rgba = makeImage<quint8>(cImgType::RGB32,
-        {
-            {1, 2, 3, 4, 5, 6, 7,
-             8}
-    }).toQImage();
+    const QImage rgba = makeImage<quint8>(cImgType::RGB32, {{1, 2, 3, 4, 5, 6, 7, 8}}).toQImage();
     EXPECT_EQ(rgba.format(), QImage::Format_ARGB32);
     EXPECT_EQ(rgba.pixel(0, 0), qRgba(1, 2, 3, 4));
     EXPECT_EQ(rgba.pixel(1, 0), qRgba(5, 6, 7, 8));
@@ -88,23 +69,14 @@ TEST(imgQImage, OtherTypesHaveNoQImage)
 
 TEST(imgQImage, ViewsAndGapsGiveTheirPixels)
 {
-    const cImg parent = makeImage<quint8>(cImgType::UInt8,
-        {
-            {1, 2, 3},
-            {4, 5, 6},
-            {7, 8, 9}
-    });
+    const cImg parent = makeImage<quint8>(cImgType::UInt8, {{1, 2, 3}, {4, 5, 6}, {7, 8, 9}});
     EXPECT_EQ(
         greysOf(cImg(parent, false, cRect<int>(1, 1, 2, 2)).toQImage()), std::vector<int>({5, 6, 8, 9}));
     unsigned char memory[] = {1, 99, 2, 99};
     EXPECT_EQ(
         greysOf(cImg(cImgType::UInt8, 2, 1, 2, 4, memory, nullptr).toQImage()), std::vector<int>({1, 2}));
     // Of several channels a row gives its first bytes.
-    const cImg three = makeImage<quint8>(cImgType::UInt8,
-        {
-            {1, 2, 3, 4, 5, 6}
-    },
-        3);
+    const cImg three = makeImage<quint8>(cImgType::UInt8, {{1, 2, 3, 4, 5, 6}}, 3);
     EXPECT_EQ(greysOf(three.toQImage()), std::vector<int>({1, 2}));
 }
 
@@ -123,11 +95,7 @@ TEST(imgQImage, GreyImagesAreReadAsBytes)
         indexed.setPixel(i % 3, i / 3, uint(i * 50));
         grey.scanLine(i / 3)[i % 3] = uchar(i * 50);
     }
-    const cImg expected = makeImage<quint8>(cImgType::UInt8,
-        {
-            {0,   50,  100},
-            {150, 200, 250}
-    });
+    const cImg expected = makeImage<quint8>(cImgType::UInt8, {{0, 50, 100}, {150, 200, 250}});
     EXPECT_TRUE(samePixels(cImg::fromQImage(indexed), expected));
     EXPECT_TRUE(samePixels(cImg::fromQImage(grey), expected));
     const cImg read = cImg::fromQImage(grey);
@@ -142,11 +110,8 @@ TEST(imgQImage, ColourTablesAreReadAsRgb)
     indexed.setColorTable({qRgb(1, 2, 3), qRgb(4, 5, 6)});
     indexed.setPixel(0, 0, 1);
     indexed.setPixel(1, 0, 0);
-    EXPECT_TRUE(samePixels(cImg::fromQImage(indexed),
-        makeImage<quint8>(cImgType::RGB24,
-            {
-                {4, 5, 6, 1, 2, 3}
-    })));
+    EXPECT_TRUE(
+        samePixels(cImg::fromQImage(indexed), makeImage<quint8>(cImgType::RGB24, {{4, 5, 6, 1, 2, 3}})));
 }
 
 TEST(imgQImage, ColoursAreReadInTheOrderOfMemory)
@@ -162,11 +127,8 @@ TEST(imgQImage, ColoursAreReadInTheOrderOfMemory)
     QImage argb(2, 1, QImage::Format_ARGB32);
     argb.setPixel(0, 0, qRgba(1, 2, 3, 4));
     argb.setPixel(1, 0, qRgba(5, 6, 7, 8));
-    EXPECT_TRUE(samePixels(cImg::fromQImage(argb),
-        makeImage<quint8>(cImgType::RGB32,
-            {
-                {1, 2, 3, 4, 5, 6, 7, 8}
-    })));
+    EXPECT_TRUE(
+        samePixels(cImg::fromQImage(argb), makeImage<quint8>(cImgType::RGB32, {{1, 2, 3, 4, 5, 6, 7, 8}})));
 
     for (auto format : {QImage::Format_RGB32, QImage::Format_RGB16, QImage::Format_RGBA64}) {
         QImage other(2, 1, format);

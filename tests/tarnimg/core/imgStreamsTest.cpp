@@ -139,11 +139,7 @@ TEST(imgStreams, GiveBackLargeImages)
 
 TEST(imgStreams, HaveThisForm)
 {
-    cImg image = makeImage<quint8>(cImgType::UInt8,
-        {
-            {7, 8 },
-            {9, 10}
-    });
+    cImg image = makeImage<quint8>(cImgType::UInt8, {{7, 8}, {9, 10}});
     image.setName(QStringLiteral("n"));
     image.setNumFrames(3);
     image.setFrameIndex(2);
