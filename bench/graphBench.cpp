@@ -1,5 +1,11 @@
 #include "allocations.h"
+#include "cFileFormat.h"
+#include "cPipeline.h"
+#include "cPipelineBuilder.h"
+#include "hostStations.h"
 
+#include <QFile>
+#include <QTemporaryDir>
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <chrono>
@@ -132,10 +138,45 @@ void chain(benchmark::State& io_state, int i_stations, bool i_oneAtATime)
             = double(std::int64_t(perRun.count[i])) / frames;
 }
 
+/** The demo graph as users run it: pictures are read, pass through all stations, and the results are written.
+ */
+void demo(benchmark::State& io_state)
+{
+    QFile file(QStringLiteral(TARN_SAMPLES_DIR "/demo.tarn"));
+    if (!file.open(QIODevice::ReadOnly)) {
+        io_state.SkipWithError("the demo graph cannot be read");
+        return;
+    }
+    const cParsedPipeline parsed = host::parsePipeline(QString::fromUtf8(file.readAll()), file.fileName());
+    quint64 frames = 0;
+    for (auto _ : io_state) {
+        const QTemporaryDir out;
+        cGraph graph;
+        cPipelineBuilder builder(graph,
+            {{QStringLiteral("in"), QStringLiteral(TARN_SAMPLES_DIR)}, {QStringLiteral("out"), out.path()}});
+        if (!builder.build(parsed.pipeline) || !graph.launch()) {
+            io_state.SkipWithError("the demo graph cannot be built");
+            return;
+        }
+        graph.waitForFlow();
+        for (const cPortFates& port : graph.getFates()) {
+            if (!port.output && port.node.startsWith(QStringLiteral("save")))
+                frames += port.fates.used;
+        }
+        graph.stop();
+    }
+    io_state.counters["pictures written/s"] = benchmark::Counter(double(frames), benchmark::Counter::kIsRate);
+}
+
 } // namespace
 
 void registerGraph()
 {
+    host::registerFileFormats();
+    host::registerStations();
+    benchmark::RegisterBenchmark("graph|the demo graph, from files to files", demo)
+        ->UseRealTime()
+        ->MinTime(2);
     for (const int stations : {1, 10, 100}) {
         for (const bool oneAtATime : {true, false}) {
             const std::string name = "graph|chain of " + std::to_string(stations)

@@ -40,6 +40,12 @@ public:
 
 protected:
     void addSupportedInput(cImgType::ImageTypes i_type, unsigned int i_channels);
+    /** One input for each row of a functor's table, in its order: `type` and `channels`. */
+    template <class Table> void addSupportedInputs(const Table& i_variants)
+    {
+        for (const auto& variant : i_variants)
+            addSupportedInput(variant.type, variant.channels);
+    }
 
 private:
     cSupportedImages m_supportedInputs;

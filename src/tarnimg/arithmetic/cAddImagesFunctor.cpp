@@ -24,11 +24,7 @@ constexpr twoImages::Variant s_variants[] = {
 
 } // namespace
 
-cAddImagesFunctor::cAddImagesFunctor()
-{
-    for (const auto& variant : s_variants)
-        addSupportedInput(variant.type, variant.channels);
-}
+cAddImagesFunctor::cAddImagesFunctor() { addSupportedInputs(s_variants); }
 
 cImg cAddImagesFunctor::operator()(const cImg& i_a, const cImg& i_b) const
 {

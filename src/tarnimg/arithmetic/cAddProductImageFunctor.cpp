@@ -12,13 +12,7 @@ namespace {
 
 constexpr char s_operator[] = "cAddProductImageFunctor::operator ()";
 
-struct Variant {
-    cImgType::ImageTypes type;
-    unsigned channels;
-    IppStatus (*addProduct)(const cImg& i_a, const cImg& i_b, cImg& io_sum);
-};
-
-constexpr Variant s_variants[] = {
+constexpr frame::BinaryVariant s_variants[] = {
     {cImgType::UInt8, 1, frame::Binary<ippiAddProduct_8u32f_C1IR>::call},
     {cImgType::UInt16, 1, frame::Binary<ippiAddProduct_16u32f_C1IR>::call},
     {cImgType::Float32, 1, frame::Binary<ippiAddProduct_32f_C1IR>::call},
@@ -26,19 +20,15 @@ constexpr Variant s_variants[] = {
 
 } // namespace
 
-cAddProductImageFunctor::cAddProductImageFunctor()
-{
-    for (const auto& variant : s_variants)
-        addSupportedInput(variant.type, variant.channels);
-}
+cAddProductImageFunctor::cAddProductImageFunctor() { addSupportedInputs(s_variants); }
 
 cImg cAddProductImageFunctor::operator()(const cImg& i_a, const cImg& i_b)
 {
     frame::checkInputs(*this, i_a, i_b, s_operator);
     // A new sum is not cleared here, unlike that of the squares.
     accumulator::prepare(m_sum, i_a);
-    if (const Variant* variant = frame::find(s_variants, i_a))
-        frame::checkStatus(variant->addProduct(i_a, i_b, m_sum), s_operator);
+    if (const frame::BinaryVariant* variant = frame::find(s_variants, i_a))
+        frame::checkStatus(variant->call(i_a, i_b, m_sum), s_operator);
     return m_sum;
 }
 

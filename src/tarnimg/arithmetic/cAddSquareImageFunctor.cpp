@@ -12,13 +12,7 @@ namespace {
 
 constexpr char s_operator[] = "cAddSquareImageFunctor::operator ()";
 
-struct Variant {
-    cImgType::ImageTypes type;
-    unsigned channels;
-    IppStatus (*addSquare)(const cImg& i_image, cImg& io_sum);
-};
-
-constexpr Variant s_variants[] = {
+constexpr frame::UnaryVariant s_variants[] = {
     {cImgType::UInt8, 1, frame::Unary<ippiAddSquare_8u32f_C1IR>::call},
     {cImgType::UInt16, 1, frame::Unary<ippiAddSquare_16u32f_C1IR>::call},
     {cImgType::Float32, 1, frame::Unary<ippiAddSquare_32f_C1IR>::call},
@@ -26,19 +20,15 @@ constexpr Variant s_variants[] = {
 
 } // namespace
 
-cAddSquareImageFunctor::cAddSquareImageFunctor()
-{
-    for (const auto& variant : s_variants)
-        addSupportedInput(variant.type, variant.channels);
-}
+cAddSquareImageFunctor::cAddSquareImageFunctor() { addSupportedInputs(s_variants); }
 
 cImg cAddSquareImageFunctor::operator()(const cImg& i_image)
 {
     frame::checkInput(*this, i_image, s_operator);
     if (accumulator::prepare(m_sum, i_image))
         accumulator::clear(m_sum);
-    if (const Variant* variant = frame::find(s_variants, i_image))
-        frame::checkStatus(variant->addSquare(i_image, m_sum), s_operator);
+    if (const frame::UnaryVariant* variant = frame::find(s_variants, i_image))
+        frame::checkStatus(variant->call(i_image, m_sum), s_operator);
     return m_sum;
 }
 

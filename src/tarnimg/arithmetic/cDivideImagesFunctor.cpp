@@ -24,11 +24,7 @@ constexpr twoImages::Variant s_variants[] = {
 
 } // namespace
 
-cDivideImagesFunctor::cDivideImagesFunctor()
-{
-    for (const auto& variant : s_variants)
-        addSupportedInput(variant.type, variant.channels);
-}
+cDivideImagesFunctor::cDivideImagesFunctor() { addSupportedInputs(s_variants); }
 
 cImg cDivideImagesFunctor::operator()(const cImg& i_a, const cImg& i_b) const
 {

@@ -11,31 +11,21 @@ namespace {
 
 constexpr char s_operator[] = "cImageAbsFunctor::operator ()";
 
-struct Variant {
-    cImgType::ImageTypes type;
-    unsigned channels;
-    IppStatus (*abs)(const cImg& i_image, cImg& io_result);
-};
-
-constexpr Variant s_variants[] = {
+constexpr frame::UnaryVariant s_variants[] = {
     {cImgType::SInt16, 1, frame::Unary<ippiAbs_16s_C1R>::call},
     {cImgType::Float32, 1, frame::Unary<ippiAbs_32f_C1R>::call},
 };
 
 } // namespace
 
-cImageAbsFunctor::cImageAbsFunctor()
-{
-    for (const auto& variant : s_variants)
-        addSupportedInput(variant.type, variant.channels);
-}
+cImageAbsFunctor::cImageAbsFunctor() { addSupportedInputs(s_variants); }
 
 cImg cImageAbsFunctor::operator()(const cImg& i_image) const
 {
     frame::checkInput(*this, i_image, s_operator);
     cImg result = frame::resultLike(i_image);
-    if (const Variant* variant = frame::find(s_variants, i_image))
-        frame::checkStatus(variant->abs(i_image, result), s_operator);
+    if (const frame::UnaryVariant* variant = frame::find(s_variants, i_image))
+        frame::checkStatus(variant->call(i_image, result), s_operator);
     return result;
 }
 

@@ -21,11 +21,7 @@ constexpr twoImages::Variant s_variants[] = {
 
 } // namespace
 
-cImageDifferencesFunctor::cImageDifferencesFunctor()
-{
-    for (const auto& variant : s_variants)
-        addSupportedInput(variant.type, variant.channels);
-}
+cImageDifferencesFunctor::cImageDifferencesFunctor() { addSupportedInputs(s_variants); }
 
 cImg cImageDifferencesFunctor::operator()(const cImg& i_a, const cImg& i_b) const
 {

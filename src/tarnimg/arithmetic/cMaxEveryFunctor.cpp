@@ -23,11 +23,7 @@ constexpr twoImages::EveryVariant s_variants[] = {
 
 } // namespace
 
-cMaxEveryFunctor::cMaxEveryFunctor()
-{
-    for (const auto& variant : s_variants)
-        addSupportedInput(variant.type, variant.channels);
-}
+cMaxEveryFunctor::cMaxEveryFunctor() { addSupportedInputs(s_variants); }
 
 cImg cMaxEveryFunctor::operator()(const cImg& i_a, const cImg& i_b) const
 {

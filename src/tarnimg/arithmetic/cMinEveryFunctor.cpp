@@ -23,11 +23,7 @@ constexpr twoImages::EveryVariant s_variants[] = {
 
 } // namespace
 
-cMinEveryFunctor::cMinEveryFunctor()
-{
-    for (const auto& variant : s_variants)
-        addSupportedInput(variant.type, variant.channels);
-}
+cMinEveryFunctor::cMinEveryFunctor() { addSupportedInputs(s_variants); }
 
 cImg cMinEveryFunctor::operator()(const cImg& i_a, const cImg& i_b) const
 {

@@ -24,11 +24,7 @@ constexpr twoImages::Variant s_variants[] = {
 
 } // namespace
 
-cMultiplyImagesFunctor::cMultiplyImagesFunctor()
-{
-    for (const auto& variant : s_variants)
-        addSupportedInput(variant.type, variant.channels);
-}
+cMultiplyImagesFunctor::cMultiplyImagesFunctor() { addSupportedInputs(s_variants); }
 
 cImg cMultiplyImagesFunctor::operator()(const cImg& i_a, const cImg& i_b) const
 {

@@ -24,11 +24,7 @@ constexpr twoImages::Variant s_variants[] = {
 
 } // namespace
 
-cSubtractImagesFunctor::cSubtractImagesFunctor()
-{
-    for (const auto& variant : s_variants)
-        addSupportedInput(variant.type, variant.channels);
-}
+cSubtractImagesFunctor::cSubtractImagesFunctor() { addSupportedInputs(s_variants); }
 
 cImg cSubtractImagesFunctor::operator()(const cImg& i_a, const cImg& i_b) const
 {

@@ -84,4 +84,18 @@ struct Binary<Function> {
     }
 };
 
+/** A row of a functor's table: what is called for a supported input. */
+struct UnaryVariant {
+    cImgType::ImageTypes type;
+    unsigned channels;
+    IppStatus (*call)(const cImg& i_source, cImg& io_result);
+};
+
+/** The same with two sources. */
+struct BinaryVariant {
+    cImgType::ImageTypes type;
+    unsigned channels;
+    IppStatus (*call)(const cImg& i_a, const cImg& i_b, cImg& io_result);
+};
+
 } // namespace frame
