@@ -26,12 +26,16 @@ if(TARN_SANITIZE)
 endif()
 
 # The vector targets are chosen here, once: the base of x86-64 is raised, so that the compiler makes AVX-512, AVX2 and
-# SSE4 and nothing else. Elsewhere Highway's own choice stands (NEON on arm64). Float code is never contracted:
+# SSE4 and nothing else. On arm64 it is NEON. Float code is never contracted:
 # a fused multiply-add on one target only would give other pixels there.
 add_library(tarn_simd INTERFACE)
 target_compile_options(tarn_simd INTERFACE -ffp-contract=off)
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
     target_compile_options(tarn_simd INTERFACE -msse4.2 -mpclmul -maes)
+elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "aarch64|arm64")
+    # Vectors without a fixed size cannot be kept in arrays, as the constants of several channels are.
+    target_compile_definitions(tarn_simd INTERFACE
+        "HWY_DISABLED_TARGETS=(HWY_SVE|HWY_SVE2|HWY_SVE_256|HWY_SVE2_128)")
 endif()
 
 # tarn_library(<name> ALIAS <short name> HEADERS ... SOURCES ... [LINK_PUBLIC ...] [LINK_PRIVATE ...] [NO_QT])
