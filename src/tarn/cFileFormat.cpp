@@ -231,13 +231,12 @@ namespace host {
 
 void registerFileFormats()
 {
-    static const bool s_done = [] {
-        cImgIO::registerFileIO(new cPngFormat);
-        cImgIO::registerFileIO(new cJpegFormat);
-        cImgIO::registerFileIO(new cBmpFormat);
-        cImgIO::registerFileIO(new cTiffFormat);
-        return true;
-    }();
+    static cPngFormat s_png;
+    static cJpegFormat s_jpeg;
+    static cBmpFormat s_bmp;
+    static cTiffFormat s_tiff;
+    static const bool s_done = cImgIO::registerFileIO(&s_png) && cImgIO::registerFileIO(&s_jpeg)
+        && cImgIO::registerFileIO(&s_bmp) && cImgIO::registerFileIO(&s_tiff);
     Q_UNUSED(s_done)
 }
 

@@ -17,7 +17,6 @@ namespace {
 namespace hn = hwy::HWY_NAMESPACE;
 
 // ---- The definition
-// --------------------------------------------------------------------------------------------
 
 /** Every value of the element types here is exact in a double. */
 template <class D64, class S> HWY_INLINE hn::Vec<D64> loadAsDouble(D64 d, const S* i_source)
@@ -112,7 +111,6 @@ HWY_INLINE void convertByDefinition(D64 d, const S* i_source, T* o_target, const
 }
 
 // ---- The guess
-// -------------------------------------------------------------------------------------------------
 
 /**
  * The elements mapped by one multiplication and addition whose constant is so large that the double's low
@@ -171,7 +169,6 @@ HWY_INLINE void convertPair(D64 d, const S* i_source, T* o_target, const LinearM
 }
 
 // ---- Lanes of 16 bits
-// ------------------------------------------------------------------------------------------
 
 template <class D16, class S>
 HWY_INLINE hn::Vec<D16> loadLimited16(D16 d, const S* i_source, const LinearMap& i_map)
@@ -220,7 +217,6 @@ HWY_INLINE void convertFixed(D16 d, const S* i_source, T* o_target, const Linear
 }
 
 // ---- Rows
-// ------------------------------------------------------------------------------------------------------
 
 template <class S, class T>
 void convertRow(const S* i_source, T* o_target, std::size_t i_count, const LinearMap& i_map)
@@ -243,8 +239,14 @@ void convertRow(const S* i_source, T* o_target, std::size_t i_count, const Linea
     }
     for (; x + lanes <= i_count; x += lanes)
         convertByDefinition(d, i_source + x, o_target + x, map);
-    for (; x < i_count; ++x)
-        convertByDefinition(one, i_source + x, o_target + x, map);
+    for (; x < i_count;
+         ++x) { // by way of aligned places: a vector of one lane is read and written as a number
+        S from;
+        T to;
+        std::memcpy(&from, static_cast<const void*>(i_source + x), sizeof(S));
+        convertByDefinition(one, &from, &to, map);
+        std::memcpy(static_cast<void*>(o_target + x), &to, sizeof(T));
+    }
 }
 
 template <class S> constexpr ConvertersFrom<S> convertersFrom()

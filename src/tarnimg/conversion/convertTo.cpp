@@ -129,7 +129,6 @@ bool cImgType::convertImage(
 }
 
 // ---- The pixel types
-// -------------------------------------------------------------------------------------------
 
 bool cImgTypeRGB24::convertTo(
     const cImg& i_source, const cImgType& i_target, cImg& io_result, const cMapObj* i_params) const

@@ -3,6 +3,7 @@
 #include "conversion/floatChain.h"
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <type_traits>
 
@@ -108,8 +109,14 @@ HWY_INLINE void convertAll(
     }
     for (; x + lanes <= i_count; x += lanes)
         convertVector<Division>(d, i_source + x, o_target + x, chain);
-    for (; x < i_count; ++x)
-        convertVector<Division>(one, i_source + x, o_target + x, chain);
+    for (; x < i_count;
+         ++x) { // by way of aligned places: a vector of one lane is read and written as a number
+        Ipp32f from;
+        T to;
+        std::memcpy(&from, static_cast<const void*>(i_source + x), sizeof(from));
+        convertVector<Division>(one, &from, &to, chain);
+        std::memcpy(static_cast<void*>(o_target + x), &to, sizeof(T));
+    }
 }
 
 template <class T>

@@ -16,7 +16,6 @@ namespace {
 const cDblRange s_byteRange(0.0, 255.0);
 
 // ---- Any pair of one-channel types
-// -----------------------------------------------------------------------------
 
 template <class S, class D> void generic(Program& io_program, const Ranges& i_ranges)
 {
@@ -35,7 +34,6 @@ template <class S, class D> void generic(Program& io_program, const Ranges& i_ra
 }
 
 // ---- Grey of 8 and 16 bits
-// -------------------------------------------------------------------------------------
 
 /** The result must be written even if nothing changes. */
 template <class T>
@@ -80,7 +78,6 @@ void uInt16ToUInt8(Program& io_program, const Ranges& i_ranges)
 }
 
 // ---- Grey to colour
-// --------------------------------------------------------------------------------------------
 
 void setAlpha(Program& io_program, Ipp8u i_alpha)
 {
@@ -120,7 +117,6 @@ void uInt8ToRgb32(Program& io_program, const Ranges& i_ranges)
 }
 
 // ---- Colour to colour
-// ------------------------------------------------------------------------------------------
 
 void rgb24ToRgb24(Program& io_program, const Ranges& i_ranges)
 {
@@ -177,7 +173,6 @@ void rgb32ToRgb32(Program& io_program, const Ranges& i_ranges)
 }
 
 // ---- Colour to grey
-// --------------------------------------------------------------------------------------------
 
 /**
  * Subtracts the low end as if four bytes of each pixel were written where there are three: every row but the
@@ -220,7 +215,6 @@ void rgb32ToUInt8(Program& io_program, const Ranges& i_ranges)
 }
 
 // ---- Floats
-// ----------------------------------------------------------------------------------------------------
 
 template <class T>
 void toFloat32(Program& io_program, const Ranges& i_ranges,
@@ -242,7 +236,6 @@ void uInt16ToFloat32(Program& io_program, const Ranges& i_ranges)
 }
 
 // ---- Two routes by way of UInt8
-// --------------------------------------------------------------------------------
 
 /** The grey value is stretched over a whole byte before it becomes a colour. */
 template <Route ToUInt8, Route ToColour> void toColour(Program& io_program, const Ranges& i_ranges)
@@ -264,7 +257,6 @@ template <Route ToUInt8> constexpr Route toRgb24 = toColour<ToUInt8, uInt8ToRgb2
 template <Route ToUInt8> constexpr Route toRgb32 = toColour<ToUInt8, uInt8ToRgb32>;
 
 // ---- The matrix
-// ------------------------------------------------------------------------------------------------
 
 constexpr Route none = nullptr;
 

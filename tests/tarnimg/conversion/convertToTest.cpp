@@ -64,7 +64,6 @@ bool isSupported(cImgType::ImageTypes i_source, cImgType::ImageTypes i_target)
 } // namespace
 
 // ---- Which pairs convert, and what is reported
-// -----------------------------------------------------------------
 
 TEST(convertToTest, EveryPairConvertsOrIsReportedAsNotSupported)
 {
@@ -151,7 +150,6 @@ TEST(convertToTest, ARangeWithoutWidthIsReportedAndLeavesThePixels)
 }
 
 // ---- Pixels of plain cases, worked out by hand
-// -----------------------------------------------------------------
 
 TEST(convertToTest, UInt8IsStretchedOverAllOfUInt16)
 {
@@ -285,7 +283,6 @@ TEST(convertToTest, GradientsAndComplexNumbersAreCopied)
 }
 
 // ---- Where the ranges come from
-// --------------------------------------------------------------------------------
 
 TEST(convertToTest, AnInputRangeOfZeroToZeroIsNoInputRange)
 {
@@ -393,7 +390,6 @@ TEST(convertToTest, EqualRangesOfOneTypeCopyThePixelsUnlimited)
 }
 
 // ---- The result
-// ------------------------------------------------------------------------------------------------
 
 TEST(convertToTest, AResultThatFitsKeepsItsMemory)
 {
@@ -449,7 +445,6 @@ TEST(convertToTest, TheResultGetsAttributesNameAndFrames)
 }
 
 // ---- Source and result are one image
-// ---------------------------------------------------------------------------
 
 TEST(convertToTest, TheFormWithATypeIdRefusesTheSourceAsResult)
 {
@@ -488,7 +483,6 @@ TEST(convertToTest, AResultThatSharesTheSourcesRecordParts)
 }
 
 // ---- Several channels
-// ------------------------------------------------------------------------------------------
 
 TEST(convertToTest, OfSeveralChannelsAsManyElementsAsPixelsAreConverted)
 {
@@ -525,7 +519,6 @@ TEST(convertToTest, ACopyOfSeveralChannelsTakesAsManyBytesAsTheResultHas)
 }
 
 // ---- Memory from outside
-// ---------------------------------------------------------------------------------------
 
 TEST(convertToTest, RoomBetweenThePixelsOfOutsideMemoryIsSkipped)
 {

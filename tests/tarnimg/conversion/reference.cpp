@@ -50,7 +50,6 @@ template <class Function> void withElement(Type i_type, Function&& i_function)
 }
 
 // ---- The generic conversion
-// ------------------------------------------------------------------------------------
 
 /** The low bits of a whole number; what is not finite is 0. */
 template <class T> T lowBits(double i_whole)
@@ -103,7 +102,6 @@ Outcome generic(const Image& i_source, Image& io_result, Range i_input, Range i_
 }
 
 // ---- The integer steps
-// -----------------------------------------------------------------------------------------
 
 template <class T> long cut(double i_value) { return long(lowBits<T>(std::trunc(i_value))); }
 
@@ -208,7 +206,6 @@ template <class T> Outcome sameType(const Image& i_source, Image& io_result, Ran
 }
 
 // ---- Colours
-// ---------------------------------------------------------------------------------------------------
 
 void greyToColour(const Image& i_source, Image& io_result, Range i_input, Range i_output)
 {
@@ -264,7 +261,6 @@ void colourToGrey(const Image& i_source, Image& io_result, Range i_input, Range 
 }
 
 // ---- Between 8 and 16 bits
-// -------------------------------------------------------------------------------------
 
 void widen(const Image& i_source, Image& io_result, Range i_input, Range i_output)
 {
@@ -285,7 +281,6 @@ void narrow(const Image& i_source, Image& io_result, Range i_input, Range i_outp
 }
 
 // ---- Floats
-// ----------------------------------------------------------------------------------------------------
 
 template <class T> void toFloat(const Image& i_source, Image& io_result, Range i_input, Range i_output)
 {
