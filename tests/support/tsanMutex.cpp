@@ -37,8 +37,12 @@ void QMutex::unlock() noexcept
     __tsan_mutex_post_unlock(this, 0);
 }
 
-// What a QFuture ends with lies within the library, which the sanitizer does not see into.
+// How Qt's pool hands a task over and takes its result back lies within the library, which the sanitizer does
+// not see into.
 extern "C" const char* __tsan_default_suppressions()
 {
-    return "race:QWaitCondition::~QWaitCondition\n";
+    return "race:QWaitCondition::~QWaitCondition\n"
+           "race:QThreadPool\n"
+           "race:QtConcurrent::RunFunctionTask\n"
+           "race:QFutureInterface\n";
 }
