@@ -36,13 +36,3 @@ void QMutex::unlock() noexcept
     s_next(this);
     __tsan_mutex_post_unlock(this, 0);
 }
-
-// How Qt's pool hands a task over and takes its result back lies within the library, which the sanitizer does
-// not see into.
-extern "C" const char* __tsan_default_suppressions()
-{
-    return "race:QWaitCondition::~QWaitCondition\n"
-           "race:QThreadPool\n"
-           "race:QtConcurrent::RunFunctionTask\n"
-           "race:QFutureInterface\n";
-}

