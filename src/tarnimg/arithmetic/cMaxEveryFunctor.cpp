@@ -8,17 +8,17 @@
 
 namespace {
 
-using frame::Rows;
+using frame::Binary;
 
 constexpr char s_operator[] = "cMaxEveryFunctor::operator ()";
 
-constexpr twoImages::EveryVariant s_variants[] = {
-    {cImgType::UInt8, 1, Rows<ippiMaxEvery_8u_C1IR>::call},
-    {cImgType::UInt16, 1, Rows<ippiMaxEvery_16u_C1IR>::call},
-    {cImgType::SInt16, 1, Rows<ippiMaxEvery_16s_C1IR>::call},
-    {cImgType::Float32, 1, Rows<ippiMaxEvery_32f_C1IR>::call},
-    {cImgType::RGB24, 3, Rows<ippiMaxEvery_8u_C3IR>::call},
-    {cImgType::RGB32, 4, Rows<ippiMaxEvery_8u_C4IR>::call},
+constexpr frame::BinaryVariant s_variants[] = {
+    {cImgType::UInt8, 1, Binary<ippiMaxEvery_8u_C1R>::call},
+    {cImgType::UInt16, 1, Binary<ippiMaxEvery_16u_C1R>::call},
+    {cImgType::SInt16, 1, Binary<ippiMaxEvery_16s_C1R>::call},
+    {cImgType::Float32, 1, Binary<ippiMaxEvery_32f_C1R>::call},
+    {cImgType::RGB24, 3, Binary<ippiMaxEvery_8u_C3R>::call},
+    {cImgType::RGB32, 4, Binary<ippiMaxEvery_8u_C4R>::call},
 };
 
 } // namespace

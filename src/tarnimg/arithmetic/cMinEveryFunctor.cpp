@@ -8,17 +8,17 @@
 
 namespace {
 
-using frame::Rows;
+using frame::Binary;
 
 constexpr char s_operator[] = "cMinEveryFunctor::operator ()";
 
-constexpr twoImages::EveryVariant s_variants[] = {
-    {cImgType::UInt8, 1, Rows<ippiMinEvery_8u_C1IR>::call},
-    {cImgType::UInt16, 1, Rows<ippiMinEvery_16u_C1IR>::call},
-    {cImgType::SInt16, 1, Rows<ippiMinEvery_16s_C1IR>::call},
-    {cImgType::Float32, 1, Rows<ippiMinEvery_32f_C1IR>::call},
-    {cImgType::RGB24, 3, Rows<ippiMinEvery_8u_C3IR>::call},
-    {cImgType::RGB32, 4, Rows<ippiMinEvery_8u_C4IR>::call},
+constexpr frame::BinaryVariant s_variants[] = {
+    {cImgType::UInt8, 1, Binary<ippiMinEvery_8u_C1R>::call},
+    {cImgType::UInt16, 1, Binary<ippiMinEvery_16u_C1R>::call},
+    {cImgType::SInt16, 1, Binary<ippiMinEvery_16s_C1R>::call},
+    {cImgType::Float32, 1, Binary<ippiMinEvery_32f_C1R>::call},
+    {cImgType::RGB24, 3, Binary<ippiMinEvery_8u_C3R>::call},
+    {cImgType::RGB32, 4, Binary<ippiMinEvery_8u_C4R>::call},
 };
 
 } // namespace

@@ -36,29 +36,18 @@ void workInto(const cImgFunctor& i_functor, const Table& i_variants, const cImg&
         frame::checkStatus(variant->workInto(i_a, io_b), i_operator);
 }
 
-/** How rows of one image are worked into rows of another. */
-struct EveryVariant {
-    cImgType::ImageTypes type;
-    unsigned channels;
-    IppStatus (*workInto)(
-        const unsigned char* i_a, int i_aStep, unsigned char* io_b, int i_bStep, IppiSize i_size);
-};
-
-/** A deep copy of b with rows of a worked into it. */
-cImg workIntoCopy(const EveryVariant& i_variant, const cImg& i_a, const cImg& i_b);
-
 /**
- * A deep copy of b, attributes included, with a worked into it. The status of the pixel function is not
- * looked at: if it fails, the copy comes back as it is.
+ * An image with the attributes of b, as a deep copy of it has them, and the pixels that a and b give. The
+ * status of the pixel function is not looked at: if it fails, a copy of b comes back.
  */
 template <class Table>
 cImg workIntoCopy(const cImgFunctor& i_functor, const Table& i_variants, const cImg& i_a, const cImg& i_b,
     const char* i_operator)
 {
     frame::checkInputs(i_functor, i_a, i_b, i_operator);
-    if (const EveryVariant* variant = frame::find(i_variants, i_a))
-        return workIntoCopy(*variant, i_a, i_b);
-    return i_b.clone();
+    cImg result = i_b.cloneWithoutPixels();
+    const frame::BinaryVariant* variant = frame::find(i_variants, i_a);
+    return variant && variant->call(i_a, i_b, result) == ippStsNoErr ? result : i_b.clone();
 }
 
 } // namespace twoImages

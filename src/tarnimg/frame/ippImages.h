@@ -49,18 +49,6 @@ struct Unary<Function> {
     }
 };
 
-/** Source to destination on rows of pixels that need not be those of a whole image. */
-template <auto Function> struct Rows;
-
-template <class S, class D, IppStatus (*Function)(const S*, int, D*, int, IppiSize)> struct Rows<Function> {
-    static IppStatus call(const unsigned char* i_source, int i_sourceStep, unsigned char* io_result,
-        int i_resultStep, IppiSize i_size)
-    {
-        return Function(reinterpret_cast<const S*>(i_source), i_sourceStep, reinterpret_cast<D*>(io_result),
-            i_resultStep, i_size);
-    }
-};
-
 /** Two sources to a destination, pixel by pixel; the destination may be read too. */
 template <auto Function> struct Binary;
 
