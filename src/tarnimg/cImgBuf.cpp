@@ -1,10 +1,11 @@
 #include <tarnimg/cImgBuf.h>
 
+#include "pixelMemory.h"
+
 #include <tarnbase/cTracer.h>
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdlib>
 #include <limits>
 #include <new>
 
@@ -37,10 +38,8 @@ cImgBuf::cImgBuf(unsigned i_width, unsigned i_height, unsigned i_pixelSize)
     if (bytes == 0)
         cTracer::cerr << "Warning: cImgBuf allocation with size=0, please check memory allocation."
                       << cTracer::end();
-    if (posix_memalign(&m_ownedData, alignmentFor(m_xPitch), std::max(bytes, 1u)) != 0)
-        throw std::bad_alloc();
+    m_ownedData = allocatePixels(std::max(bytes, 1u), alignmentFor(m_xPitch), m_deleter);
     m_data = static_cast<unsigned char*>(m_ownedData);
-    m_deleter = std::free;
 }
 
 cImgBuf::cImgBuf(unsigned i_width, unsigned i_height, unsigned i_xPitch, unsigned i_yPitch,

@@ -3,6 +3,7 @@
 #include "support/messageOf.h"
 #include "support/qtPrinters.h"
 
+#include <QFile>
 #include <QVariant>
 #include <cstdint>
 #include <cstdlib>
@@ -153,6 +154,33 @@ TEST(cImg, PixelsAreAlignedByTheRuleOfTheirSize)
     EXPECT_EQ(misaligned(cImgType::Float64, 1, 128), 0u);
     EXPECT_EQ(misaligned(cImgType::Float32, 4, 32768), 0u);
     EXPECT_EQ(misaligned(cImgType::UInt8, 1, 64), 0u);
+    EXPECT_EQ(misaligned(cImgType::Float64, 3, 1u << 23), 0u);
+    EXPECT_EQ(misaligned(cImgType::Float64, 4, 1u << 31), 0u);
+}
+
+/** Pages of address space that the process has taken. */
+long takenPages()
+{
+    QFile file(QStringLiteral("/proc/self/statm"));
+    return file.open(QIODevice::ReadOnly) ? file.readAll().split(' ').first().toLong() : 0;
+}
+
+TEST(cImg, AGreatAlignmentTakesNoGreatMemory)
+{
+    const long before = takenPages();
+    ASSERT_GT(before, 0);
+    std::vector<cImg> images;
+    for (int i = 0; i < 100; ++i)
+        images.emplace_back(cImgType::Float64, 30, 20, 4); // 19200 bytes at a multiple of 2 GiB
+    // 8 pages each, where the alignment alone would be 524288.
+    EXPECT_LT(takenPages() - before, 100 * 8 + 4096);
+    for (unsigned i = 0; i < 100; ++i)
+        images[i].setPixel(29, 19, double(i));
+    for (unsigned i = 0; i < 100; ++i)
+        EXPECT_EQ(images[i].getPixel<double>(29, 19), double(i));
+    images.clear();
+    cImg::releaseUnusedMemory();
+    EXPECT_LT(takenPages() - before, 4096);
 }
 
 TEST(cImg, AnUnknownTypeIsReportedAndNotValid)
