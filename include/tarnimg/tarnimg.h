@@ -1,14 +1,21 @@
 #pragma once
 
+#include <tarnimg/arithmetic/cAddConstantToImageFunctor.h>
+#include <tarnimg/arithmetic/cAddConstantToImageRGBFunctor.h>
 #include <tarnimg/arithmetic/cAddImagesFunctor.h>
 #include <tarnimg/arithmetic/cAddProductImageFunctor.h>
 #include <tarnimg/arithmetic/cAddSquareImageFunctor.h>
+#include <tarnimg/arithmetic/cDivideImageByConstantFunctor.h>
 #include <tarnimg/arithmetic/cDivideImagesFunctor.h>
 #include <tarnimg/arithmetic/cImageAbsFunctor.h>
 #include <tarnimg/arithmetic/cImageDifferencesFunctor.h>
 #include <tarnimg/arithmetic/cMaxEveryFunctor.h>
 #include <tarnimg/arithmetic/cMinEveryFunctor.h>
+#include <tarnimg/arithmetic/cMultiplyConstantWithImageFunctor.h>
+#include <tarnimg/arithmetic/cMultiplyConstantWithImageRGBFunctor.h>
 #include <tarnimg/arithmetic/cMultiplyImagesFunctor.h>
+#include <tarnimg/arithmetic/cSubtractConstantFromImageFunctor.h>
+#include <tarnimg/arithmetic/cSubtractConstantFromImageRGBFunctor.h>
 #include <tarnimg/arithmetic/cSubtractImagesFunctor.h>
 #include <tarnimg/cFunctorStationT.h>
 #include <tarnimg/cIPortImg.h>
@@ -33,6 +40,7 @@
 #include <tarnimg/cImgTypeUInt8.h>
 #include <tarnimg/cOPortImg.h>
 #include <tarnimg/cSupportedImages.h>
+#include <tarnimg/cValueStationT.h>
 #include <tarnimg/checkIPPStatus.h>
 #include <tarnimg/export.h>
 #include <tarnimg/imagePortGroups.h>
