@@ -50,6 +50,7 @@ CUSTOMIPP_EXPORT void ippsFree(void* ptr);
 #include <customipp/dup.def>
 #include <customipp/maxEvery.def>
 #include <customipp/minEvery.def>
+#include <customipp/minMax.def>
 #include <customipp/mul.def>
 #include <customipp/mulC.def>
 #include <customipp/rgbToGray.def>

@@ -97,6 +97,11 @@
     CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize,    \
         const T thresholdLT[3], const T valueLT[3], const T thresholdGT[3], const T valueGT[3]);
 
+/* The least and the greatest pixel of an image, for each of its channels. */
+#define CUSTOMIPP_MIN_MAX(symbol, op, T, channels)                                                           \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
+        const T* pSrc, int srcStep, IppiSize roiSize, T pMin[channels], T pMax[channels]);
+
 /* A sequence to another, the same or converted with a scale factor; the least and greatest element of one. */
 #define CUSTOMIPP_SIGNAL_COPY(symbol, op, T)                                                                 \
     CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, T* pDst, int len);

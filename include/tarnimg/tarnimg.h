@@ -44,3 +44,4 @@
 #include <tarnimg/checkIPPStatus.h>
 #include <tarnimg/export.h>
 #include <tarnimg/imagePortGroups.h>
+#include <tarnimg/statistics/cMinMaxFunctor.h>

@@ -212,6 +212,14 @@
             {pDst, dstStep}, roiSize, {thresholdLT, valueLT, thresholdGT, valueGT});                         \
     }
 
+#undef CUSTOMIPP_MIN_MAX
+#define CUSTOMIPP_MIN_MAX(symbol, op, T, channels)                                                           \
+    IppStatus symbol(const T* pSrc, int srcStep, IppiSize roiSize, T pMin[channels], T pMax[channels])       \
+    {                                                                                                        \
+        return customipp::runMinMax<T, channels>(                                                            \
+            customipp::kernels##op(), {pSrc, srcStep}, roiSize, {pMin, pMax});                               \
+    }
+
 #undef CUSTOMIPP_SIGNAL_COPY
 #define CUSTOMIPP_SIGNAL_COPY(symbol, op, T)                                                                 \
     IppStatus symbol(const T* pSrc, T* pDst, int len) { return customipp::runSignalCopy(pSrc, pDst, len); }
@@ -227,5 +235,5 @@
 #define CUSTOMIPP_SIGNAL_MIN_MAX(symbol, op, T)                                                              \
     IppStatus symbol(const T* pSrc, int len, T* pMin, T* pMax)                                               \
     {                                                                                                        \
-        return customipp::runSignalMinMax(customipp::kernels##op(), pSrc, len, pMin, pMax);                  \
+        return customipp::runSignalMinMax<T>(customipp::kernels##op(), pSrc, len, {pMin, pMax});             \
     }

@@ -1,4 +1,4 @@
-// Sequences: conversion of floats to integers, least and greatest element.
+// Sequences: copy, conversion of floats to integers.
 #include "signal.h"
 
 #include <limits>
@@ -78,68 +78,7 @@ template <int Mode> void convert(const Ipp32f* src, Ipp32s* dst, size_t n, doubl
         coverRow(hn::Half<hn::ScalableTag<Ipp32s>>(), n, ScaledToInteger<Mode> {src, dst, scale});
 }
 
-/** The least and the greatest so far. A NaN replaces neither. */
-template <class V> struct Extremes {
-    V least, greatest;
-
-    HWY_INLINE void take(V v) { take(v, v); }
-    HWY_INLINE void take(V low, V high)
-    {
-        if constexpr (hwy::IsFloat<hn::TFromV<V>>()) {
-            least = hn::IfThenElse(hn::Lt(low, least), low, least);
-            greatest = hn::IfThenElse(hn::Gt(high, greatest), high, greatest);
-        } else {
-            least = hn::Min(low, least);
-            greatest = hn::Max(high, greatest);
-        }
-    }
-};
-
-template <class D, class T> HWY_INLINE void minMaxOf(D d, const T* src, size_t n, T* least, T* greatest)
-{
-    const size_t step = hn::Lanes(d);
-    if (n < step) {
-        if constexpr (hn::MaxLanes(d) > 1)
-            return minMaxOf(hn::Half<D>(), src, n, least, greatest);
-    }
-    using Limits = std::numeric_limits<T>;
-    const auto high = hn::Set(d, Limits::has_infinity ? Limits::infinity() : Limits::max());
-    const auto low = hn::Set(d, Limits::has_infinity ? -Limits::infinity() : Limits::lowest());
-    Extremes<hn::Vec<D>> a {high, low}, b = a, c = a, e = a;
-    size_t i = 0;
-    for (; i + 4 * step <= n; i += 4 * step) {
-        a.take(loadAnywhere(d, src + i));
-        b.take(loadAnywhere(d, src + i + step));
-        c.take(loadAnywhere(d, src + i + 2 * step));
-        e.take(loadAnywhere(d, src + i + 3 * step));
-    }
-    for (; i + step <= n; i += step)
-        a.take(loadAnywhere(d, src + i));
-    a.take(loadAnywhere(d, src + n - step));
-    a.take(b.least, b.greatest);
-    c.take(e.least, e.greatest);
-    a.take(c.least, c.greatest);
-    *least = hn::GetLane(hn::MinOfLanes(d, a.least));
-    *greatest = hn::GetLane(hn::MaxOfLanes(d, a.greatest));
-}
-
-template <class T> void minMax(const T* src, size_t n, T* least, T* greatest)
-{
-    T min, max;
-    minMaxOf(hn::ScalableTag<T>(), src, n, &min, &max);
-    if constexpr (hwy::IsFloat<T>()) {
-        if (min > max) // nothing but NaN
-            min = max = std::numeric_limits<T>::quiet_NaN();
-        // Of two zeros the sign would depend on the vectors.
-        min += T(0);
-        max += T(0);
-    }
-    *least = min;
-    *greatest = max;
-}
-
-constexpr SignalKernels s_kernels {
-    {convert<0>, convert<1>, convert<2>}, {minMax<Ipp32u>, minMax<Ipp32s>, minMax<Ipp64f>}};
+constexpr SignalKernels s_kernels {{convert<0>, convert<1>, convert<2>}};
 } // namespace
 
 const SignalKernels& signalKernels() { return s_kernels; }

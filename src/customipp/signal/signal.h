@@ -7,17 +7,14 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <tuple>
 
 namespace customipp {
 
 /** Converts n elements, each times `scale`. */
 using SignalConvertKernel = void (*)(const Ipp32f* src, Ipp32s* dst, size_t n, double scale);
-template <class T> using SignalMinMaxKernel = void (*)(const T* src, size_t n, T* least, T* greatest);
 
 struct SignalKernels {
     SignalConvertKernel convertByMode[3];
-    std::tuple<SignalMinMaxKernel<Ipp32u>, SignalMinMaxKernel<Ipp32s>, SignalMinMaxKernel<Ipp64f>> minMax;
 };
 
 inline IppStatus checkSignal(std::initializer_list<const void*> pointers, int len)
@@ -46,15 +43,6 @@ inline IppStatus runSignalConvert(
     const int bounded = std::clamp(scaleFactor, -300, 300);
     kernels.convertByMode[rounding](src, dst, size_t(len), std::ldexp(1.0, -bounded));
     return ippStsNoErr;
-}
-
-template <class T>
-IppStatus runSignalMinMax(const SignalKernels& kernels, const T* src, int len, T* least, T* greatest)
-{
-    const IppStatus status = checkSignal({src, least, greatest}, len);
-    if (status == ippStsNoErr)
-        std::get<SignalMinMaxKernel<T>>(kernels.minMax)(src, size_t(len), least, greatest);
-    return status;
 }
 
 } // namespace customipp
