@@ -48,11 +48,15 @@ CUSTOMIPP_EXPORT void ippsFree(void* ptr);
 #include <customipp/div.def>
 #include <customipp/divC.def>
 #include <customipp/dup.def>
+#include <customipp/ln.def>
+#include <customipp/lut.def>
 #include <customipp/maxEvery.def>
 #include <customipp/minEvery.def>
 #include <customipp/minMax.def>
 #include <customipp/mul.def>
 #include <customipp/mulC.def>
+#include <customipp/polar.def>
+#include <customipp/reduceBits.def>
 #include <customipp/rgbToGray.def>
 #include <customipp/set.def>
 #include <customipp/signal.def>

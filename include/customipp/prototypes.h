@@ -109,3 +109,26 @@
     CUSTOMIPP_EXPORT IppStatus symbol(const S* pSrc, D* pDst, int len, IppRoundMode rndMode, int scaleFactor);
 #define CUSTOMIPP_SIGNAL_MIN_MAX(symbol, op, T)                                                              \
     CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int len, T* pMin, T* pMax);
+
+/* Floats as bytes of a few levels, with the size of the work memory before. */
+#define CUSTOMIPP_REDUCE_BITS_SIZE(symbol)                                                                   \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
+        IppChannels ippChan, IppiSize roiSize, int noise, IppiDitherType dtype, int* pBufferSize);
+#define CUSTOMIPP_REDUCE_BITS(symbol, op, S, D)                                                              \
+    CUSTOMIPP_EXPORT IppStatus symbol(const S* pSrc, int srcStep, D* pDst, int dstStep, IppiSize roiSize,    \
+        int noise, IppiDitherType dtype, int levels, Ipp8u* pBuffer);
+
+/* Pixels through a table: the size of the specification, its making, and its use. L is the type of levels and
+ * values.
+ */
+#define CUSTOMIPP_LUT_SIZE(symbol)                                                                           \
+    CUSTOMIPP_EXPORT IppStatus symbol(IppiInterpolationType interpolation, IppDataType dataType,             \
+        IppChannels channels, IppiSize roiSize, const int nLevels[], int* pSpecSize);
+#define CUSTOMIPP_LUT_INIT(symbol, T, L)                                                                     \
+    CUSTOMIPP_EXPORT IppStatus symbol(IppiInterpolationType interpolation, IppChannels channels,             \
+        IppiSize roiSize, const L* pValues[], const L* pLevels[], int nLevels[], IppiLUT_Spec* pSpec);
+#define CUSTOMIPP_LUT(symbol, op, T, channels)                                                               \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
+        const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize, IppiLUT_Spec* pSpec);
+#define CUSTOMIPP_LUT_I(symbol, op, T, channels)                                                             \
+    CUSTOMIPP_EXPORT IppStatus symbol(T* pSrcDst, int srcDstStep, IppiSize roiSize, IppiLUT_Spec* pSpec);

@@ -275,3 +275,6 @@ enum IppChannels CUSTOMIPP_INT_ENUM {
     ippAP4 = 11
 };
 typedef enum IppChannels IppChannels;
+
+/* What an Init function prepares in memory of the size that its query gives. */
+typedef struct IppiLUT_Spec IppiLUT_Spec;

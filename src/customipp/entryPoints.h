@@ -237,3 +237,53 @@
     {                                                                                                        \
         return customipp::runSignalMinMax<T>(customipp::kernels##op(), pSrc, len, {pMin, pMax});             \
     }
+
+#undef CUSTOMIPP_REDUCE_BITS_SIZE
+#define CUSTOMIPP_REDUCE_BITS_SIZE(symbol)                                                                   \
+    IppStatus symbol(                                                                                        \
+        IppChannels ippChan, IppiSize roiSize, int noise, IppiDitherType dtype, int* pBufferSize)            \
+    {                                                                                                        \
+        return customipp::runReduceBitsSize(ippChan, roiSize, noise, dtype, pBufferSize);                    \
+    }
+
+#undef CUSTOMIPP_REDUCE_BITS
+#define CUSTOMIPP_REDUCE_BITS(symbol, op, S, D)                                                              \
+    IppStatus symbol(const S* pSrc, int srcStep, D* pDst, int dstStep, IppiSize roiSize, int noise,          \
+        IppiDitherType dtype, int levels, Ipp8u*)                                                            \
+    {                                                                                                        \
+        return customipp::runReduceBits(                                                                     \
+            customipp::kernels##op(), {pSrc, srcStep}, {pDst, dstStep}, roiSize, noise, dtype, levels);      \
+    }
+
+#undef CUSTOMIPP_LUT_SIZE
+#define CUSTOMIPP_LUT_SIZE(symbol)                                                                           \
+    IppStatus symbol(IppiInterpolationType interpolation, IppDataType dataType, IppChannels channels,        \
+        IppiSize roiSize, const int nLevels[], int* pSpecSize)                                               \
+    {                                                                                                        \
+        return customipp::runLutSize(interpolation, dataType, channels, roiSize, nLevels, pSpecSize);        \
+    }
+
+#undef CUSTOMIPP_LUT_INIT
+#define CUSTOMIPP_LUT_INIT(symbol, T, L)                                                                     \
+    IppStatus symbol(IppiInterpolationType interpolation, IppChannels channels, IppiSize roiSize,            \
+        const L* pValues[], const L* pLevels[], int nLevels[], IppiLUT_Spec* pSpec)                          \
+    {                                                                                                        \
+        return customipp::runLutInit<T>(interpolation, channels, roiSize, pValues, pLevels, nLevels, pSpec); \
+    }
+
+#undef CUSTOMIPP_LUT
+#define CUSTOMIPP_LUT(symbol, op, T, channels)                                                               \
+    IppStatus symbol(                                                                                        \
+        const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize, IppiLUT_Spec* pSpec)             \
+    {                                                                                                        \
+        return customipp::runLut<T, channels>(                                                               \
+            customipp::kernels##op(), {pSrc, srcStep}, {pDst, dstStep}, roiSize, pSpec);                     \
+    }
+
+#undef CUSTOMIPP_LUT_I
+#define CUSTOMIPP_LUT_I(symbol, op, T, channels)                                                             \
+    IppStatus symbol(T* pSrcDst, int srcDstStep, IppiSize roiSize, IppiLUT_Spec* pSpec)                      \
+    {                                                                                                        \
+        return customipp::runLut<T, channels>(                                                               \
+            customipp::kernels##op(), {pSrcDst, srcDstStep}, {pSrcDst, srcDstStep}, roiSize, pSpec);         \
+    }

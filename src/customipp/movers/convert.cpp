@@ -8,8 +8,7 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
-#include "bytes-inl.h"
-#include "rows-inl.h"
+#include "narrow-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace customipp {
@@ -33,12 +32,11 @@ template <class S, class D> struct Widen {
     }
 };
 
-// Limits: a vector to unsigned lanes of the same width, whose lower bits are the result and whose upper bits
-// are 0.
+// Limits, for Narrow.
 
 /** Of integers. */
 struct Saturate {
-    template <class D, class V> static HWY_INLINE auto limit(V v)
+    template <class D, class V> HWY_INLINE auto of(V v) const
     {
         const hn::DFromV<V> ds;
         using S = hn::TFromV<V>;
@@ -49,20 +47,15 @@ struct Saturate {
     }
 };
 
-/**
- * Of floats, with one of the rounding modes. The limit comes first. The sum with 1.5 * 2^23 then is a float
- * whose last bits are the nearest integer (ties to even) in two's complement: the same on every processor.
- */
+/** Of floats, with one of the rounding modes. The limit comes first. */
 template <int Mode> struct Round {
-    template <class D, class V> static HWY_INLINE auto limit(V v)
+    template <class D, class V> HWY_INLINE auto of(V v) const
     {
         const hn::DFromV<V> df;
-        const hn::RebindToUnsigned<decltype(df)> du;
         const auto lowest = hn::Set(df, float(std::numeric_limits<D>::lowest()));
         v = hn::IfThenElse(hn::Gt(v, lowest), v, lowest); // NaN is not greater
         v = hn::Min(v, hn::Set(df, float(std::numeric_limits<D>::max())));
-        const auto sum = hn::BitCast(du, hn::Add(whole(v), hn::Set(df, 12582912.0f)));
-        return hn::And(sum, hn::Set(du, (1u << (8 * sizeof(D))) - 1));
+        return integersOf<D>(hn::Add(whole(v), hn::Set(df, integerInFloat)));
     }
 
     template <class V> static HWY_INLINE V whole(V v)
@@ -78,56 +71,7 @@ template <int Mode> struct Round {
     }
 };
 
-/** To a narrower type: two or four vectors to one. */
-template <class S, class D, class Limit> struct Narrow {
-    using Dst = D;
-    static constexpr size_t least = 16 / sizeof(D);
-    const S* src;
-    D* dst;
-
-    template <class Tag, class Store> HWY_INLINE void operator()(Tag d, size_t x, Store store) const
-    {
-        const hn::Repartition<S, Tag> ds;
-        const size_t n = hn::Lanes(ds);
-        const hn::RebindToUnsigned<Tag> du;
-        const S* from = src + x;
-        const auto a = limit(ds, from), b = limit(ds, from + n);
-        if constexpr (sizeof(S) == 2 * sizeof(D)) {
-            store(hn::BitCast(d, hn::BitCast(du, joinHalves(a, b))), d, dst + x);
-        } else {
-            const auto c = limit(ds, from + 2 * n), e = limit(ds, from + 3 * n);
-            store(hn::BitCast(d, joinQuarters(a, b, c, e)), d, dst + x);
-        }
-    }
-
-    HWY_INLINE void one(size_t x) const
-    {
-        const auto value = static_cast<D>(hn::GetLane(limit(hn::CappedTag<S, 1>(), src + x)));
-        hwy::CopyBytes<sizeof(D)>(&value, dst + x);
-    }
-
-    template <class Tag> static HWY_INLINE auto limit(Tag ds, const S* from)
-    {
-        return Limit::template limit<D>(loadAnywhere(ds, from));
-    }
-};
-
-template <class S, class Block> void convert(const Move& move)
-{
-    using D = typename Block::Dst;
-    const hn::ScalableTag<D> d;
-    const bool streams = move.isBeyondCache();
-    for (size_t y = 0; y < move.area.height; ++y) {
-        const Block block {
-            reinterpret_cast<const S*>(move.src.row(y)), reinterpret_cast<D*>(move.dst.row(y))};
-        if (streams)
-            streamRow(d, move.area.width, block);
-        else
-            coverRow(d, move.area.width, block);
-    }
-    if (streams)
-        hwy::FlushStream();
-}
+template <class S, class Block> void convert(const Move& move) { coverRows<S, Block>(move); }
 
 template <class S, class D> constexpr MoveKernel s_widen = convert<S, Widen<S, D>>;
 template <class S, class D> constexpr MoveKernel s_saturate = convert<S, Narrow<S, D, Saturate>>;

@@ -120,6 +120,7 @@ TEST(moverCheckTest, PointersThenSizeThenSteps)
 #include <customipp/copyChannel.def>
 #include <customipp/copyMasked.def>
 #include <customipp/dup.def>
+#include <customipp/polar.def>
 #include <customipp/rgbToGray.def>
 #include <customipp/set.def>
 #include <customipp/swapChannels.def>
