@@ -248,7 +248,7 @@ cImg readImage(const QString& i_path)
     const QSharedPointer<cImgIO> own(handler->clone());
     if (const auto* format = dynamic_cast<const cFileFormat*>(own.data()))
         return format->read(i_path);
-    const cImg image = own->openImg(i_path, cMapObj());
+    cImg image = own->openImg(i_path, cMapObj());
     if (!image.isValid())
         fail(QStringLiteral("%1 cannot read it").arg(own->getName()));
     return image;
