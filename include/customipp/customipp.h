@@ -48,6 +48,7 @@ CUSTOMIPP_EXPORT void ippsFree(void* ptr);
 #include <customipp/div.def>
 #include <customipp/divC.def>
 #include <customipp/dup.def>
+#include <customipp/histogram.def>
 #include <customipp/ln.def>
 #include <customipp/lut.def>
 #include <customipp/maxEvery.def>

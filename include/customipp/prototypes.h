@@ -132,3 +132,16 @@
         const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize, IppiLUT_Spec* pSpec);
 #define CUSTOMIPP_LUT_I(symbol, op, T, channels)                                                             \
     CUSTOMIPP_EXPORT IppStatus symbol(T* pSrcDst, int srcDstStep, IppiSize roiSize, IppiLUT_Spec* pSpec);
+
+/* Histograms: the sizes of specification and work memory, the making, the levels, and the counting. */
+#define CUSTOMIPP_HISTOGRAM_SIZE(symbol)                                                                     \
+    CUSTOMIPP_EXPORT IppStatus symbol(IppDataType dataType, IppiSize roiSize, const int nLevels[],           \
+        int numChannels, int uniform, int* pSpecSize, int* pBufferSize);
+#define CUSTOMIPP_HISTOGRAM_INIT(symbol)                                                                     \
+    CUSTOMIPP_EXPORT IppStatus symbol(IppDataType dataType, Ipp32f lowerLevel[], Ipp32f upperLevel[],        \
+        int nLevels[], int numChannels, IppiHistogramSpec* pSpec);
+#define CUSTOMIPP_HISTOGRAM_LEVELS(symbol)                                                                   \
+    CUSTOMIPP_EXPORT IppStatus symbol(const IppiHistogramSpec* pSpec, Ipp32f* pLevels[]);
+#define CUSTOMIPP_HISTOGRAM(symbol, op, T)                                                                   \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, IppiSize roiSize, Ipp32u* pHist,           \
+        const IppiHistogramSpec* pSpec, Ipp8u* pBuffer);

@@ -277,4 +277,5 @@ enum IppChannels CUSTOMIPP_INT_ENUM {
 typedef enum IppChannels IppChannels;
 
 /* What an Init function prepares in memory of the size that its query gives. */
+typedef struct IppiHistogramSpec IppiHistogramSpec;
 typedef struct IppiLUT_Spec IppiLUT_Spec;

@@ -287,3 +287,35 @@
         return customipp::runLut<T, channels>(                                                               \
             customipp::kernels##op(), {pSrcDst, srcDstStep}, {pSrcDst, srcDstStep}, roiSize, pSpec);         \
     }
+
+#undef CUSTOMIPP_HISTOGRAM_SIZE
+#define CUSTOMIPP_HISTOGRAM_SIZE(symbol)                                                                     \
+    IppStatus symbol(IppDataType dataType, IppiSize roiSize, const int nLevels[], int numChannels, int,      \
+        int* pSpecSize, int* pBufferSize)                                                                    \
+    {                                                                                                        \
+        return customipp::runHistogramSize(dataType, roiSize, nLevels, numChannels, pSpecSize, pBufferSize); \
+    }
+
+#undef CUSTOMIPP_HISTOGRAM_INIT
+#define CUSTOMIPP_HISTOGRAM_INIT(symbol)                                                                     \
+    IppStatus symbol(IppDataType dataType, Ipp32f lowerLevel[], Ipp32f upperLevel[], int nLevels[],          \
+        int numChannels, IppiHistogramSpec* pSpec)                                                           \
+    {                                                                                                        \
+        return customipp::runHistogramInit(dataType, lowerLevel, upperLevel, nLevels, numChannels, pSpec);   \
+    }
+
+#undef CUSTOMIPP_HISTOGRAM_LEVELS
+#define CUSTOMIPP_HISTOGRAM_LEVELS(symbol)                                                                   \
+    IppStatus symbol(const IppiHistogramSpec* pSpec, Ipp32f* pLevels[])                                      \
+    {                                                                                                        \
+        return customipp::runHistogramLevels(pSpec, pLevels);                                                \
+    }
+
+#undef CUSTOMIPP_HISTOGRAM
+#define CUSTOMIPP_HISTOGRAM(symbol, op, T)                                                                   \
+    IppStatus symbol(const T* pSrc, int srcStep, IppiSize roiSize, Ipp32u* pHist,                            \
+        const IppiHistogramSpec* pSpec, Ipp8u* pBuffer)                                                      \
+    {                                                                                                        \
+        return customipp::runHistogram<T>(                                                                   \
+            customipp::kernels##op(), {pSrc, srcStep}, roiSize, pHist, pSpec, pBuffer);                      \
+    }
