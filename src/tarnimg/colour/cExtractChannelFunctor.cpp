@@ -17,15 +17,17 @@ using Extract = IppStatus (*)(const cImg& i_source, unsigned i_channel, cImg& io
 template <class T> using Copy = IppStatus (*)(const T*, int, T*, int, IppiSize);
 
 /** Rows of pixels by a function of the pixel layer, which gets the channel of the first pixel. */
-template <class T, Copy<T> Function> IppStatus copyRows(const cImg& i_source, unsigned i_channel, cImg& io_result)
+template <class T, Copy<T> Function>
+IppStatus copyRows(const cImg& i_source, unsigned i_channel, cImg& io_result)
 {
     T* result = frame::pixels<T>(io_result);
-    return Function(frame::pixels<T>(i_source) + i_channel, frame::stepOf(i_source), result, frame::stepOf(io_result),
-        frame::sizeOf(i_source));
+    return Function(frame::pixels<T>(i_source) + i_channel, frame::stepOf(i_source), result,
+        frame::stepOf(io_result), frame::sizeOf(i_source));
 }
 
 /** Every i_stride-th element; memory may have any alignment. */
-template <class T> void copyEvery(const unsigned char* i_from, std::size_t i_stride, T* o_to, std::size_t i_count)
+template <class T>
+void copyEvery(const unsigned char* i_from, std::size_t i_stride, T* o_to, std::size_t i_count)
 {
     for (std::size_t i = 0; i < i_count; ++i)
         std::memcpy(o_to + i, i_from + i * i_stride * sizeof(T), sizeof(T));
@@ -118,8 +120,8 @@ cImg cExtractChannelFunctor::operator()(const cImg& i_image) const
 
 class cExtractChannelStation : public cFunctorStationT<cExtractChannelFunctor, cImg, cImg, void> {};
 
-static const cStationRegistration<cExtractChannelStation> s_registration("ipp/image/dataExchange/extractChannel",
-    {"One channel of an image as an image of its own.",
-        {{"channelID", "channel, counted from 0"}},
+static const cStationRegistration<cExtractChannelStation> s_registration(
+    "ipp/image/dataExchange/extractChannel",
+    {"One channel of an image as an image of its own.", {{"channelID", "channel, counted from 0"}},
         {"A channel that a colour or gradient image does not have gives no result, and no failure.",
             "Other images have a result for any channel: beyond the last one that of later pixels."}});

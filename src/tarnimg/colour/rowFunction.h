@@ -11,7 +11,8 @@ namespace colour {
 
 /** Rows of a source to as many of a destination. */
 template <class S, class D>
-using RowFunction = IppStatus (*)(const S* i_source, int i_sourceStep, D* o_result, int i_resultStep, IppiSize i_size);
+using RowFunction
+    = IppStatus (*)(const S* i_source, int i_sourceStep, D* o_result, int i_resultStep, IppiSize i_size);
 
 /** How one supported input is converted. */
 template <class S, class D> struct RowVariant {
@@ -20,7 +21,8 @@ template <class S, class D> struct RowVariant {
     RowFunction<S, D> function;
 };
 
-/** Calls a row function on the whole image, or in bands on the thread pool; the status is that of the first band. */
+/** Calls a row function on the whole image, or in bands on the thread pool; the status is that of the first
+ * band. */
 template <class S, class D>
 IppStatus runInBands(RowFunction<S, D> i_function, int i_numThreads, const cImg& i_source, cImg& io_result)
 {
@@ -28,7 +30,8 @@ IppStatus runInBands(RowFunction<S, D> i_function, int i_numThreads, const cImg&
     return frame::runInBands(i_numThreads, i_source.getHeight(), [&](unsigned first, unsigned rows) {
         return i_function(
             reinterpret_cast<const S*>(i_source.getConstData() + std::size_t(first) * i_source.getYPitch()),
-            frame::stepOf(i_source), reinterpret_cast<D*>(result + std::size_t(first) * io_result.getYPitch()),
+            frame::stepOf(i_source),
+            reinterpret_cast<D*>(result + std::size_t(first) * io_result.getYPitch()),
             frame::stepOf(io_result), {int(i_source.getWidth()), int(rows)});
     });
 }

@@ -29,7 +29,8 @@ template <class T> cImg expectedChannel(const cImg& i_image, cImgType::ImageType
 }
 
 /** An image of a type with every number of channels that it can have, and as a view with padded rows. */
-template <class T> void expectEveryChannel(cImgType::ImageTypes i_type, cImgType::ImageTypes i_result,
+template <class T>
+void expectEveryChannel(cImgType::ImageTypes i_type, cImgType::ImageTypes i_result,
     const std::vector<unsigned>& i_channelCounts, bool i_padded)
 {
     for (const unsigned channels : i_channelCounts) {
@@ -98,11 +99,13 @@ TEST(cExtractChannelFunctorTest, BeyondTheLastChannelLaterPixelsFollowAndThenZer
     EXPECT_TRUE(samePixels(channelOf(image, 4), makeImage<quint8>(cImgType::UInt8, {{5, 8}, {11, 0}})));
     EXPECT_TRUE(samePixels(channelOf(image, 11), makeImage<quint8>(cImgType::UInt8, {{12, 0}, {0, 0}})));
     EXPECT_TRUE(samePixels(channelOf(image, 12), makeImage<quint8>(cImgType::UInt8, {{0, 0}, {0, 0}})));
-    EXPECT_TRUE(samePixels(channelOf(image, 0xFFFFFFFFu), makeImage<quint8>(cImgType::UInt8, {{0, 0}, {0, 0}})));
+    EXPECT_TRUE(
+        samePixels(channelOf(image, 0xFFFFFFFFu), makeImage<quint8>(cImgType::UInt8, {{0, 0}, {0, 0}})));
 
     const cImg doubles = makeImage<double>(cImgType::Float64, {{1, 2}, {3, 4}}, 2);
     EXPECT_TRUE(samePixels(channelOf(doubles, 2), makeImage<double>(cImgType::Float64, {{3}, {0}})));
-    EXPECT_TRUE(samePixels(channelOf(doubles, 0x20000000u), makeImage<double>(cImgType::Float64, {{0}, {0}})));
+    EXPECT_TRUE(
+        samePixels(channelOf(doubles, 0x20000000u), makeImage<double>(cImgType::Float64, {{0}, {0}})));
 }
 
 TEST(cExtractChannelFunctorTest, SomeTypesAreTakenWithoutRegardToTheRowsOfAView)
