@@ -49,6 +49,7 @@ CUSTOMIPP_EXPORT void ippsFree(void* ptr);
 #include <customipp/divC.def>
 #include <customipp/dup.def>
 #include <customipp/histogram.def>
+#include <customipp/hsvToRGB.def>
 #include <customipp/ln.def>
 #include <customipp/lut.def>
 #include <customipp/maxEvery.def>
@@ -59,6 +60,7 @@ CUSTOMIPP_EXPORT void ippsFree(void* ptr);
 #include <customipp/polar.def>
 #include <customipp/reduceBits.def>
 #include <customipp/rgbToGray.def>
+#include <customipp/rgbToHSV.def>
 #include <customipp/set.def>
 #include <customipp/signal.def>
 #include <customipp/sub.def>

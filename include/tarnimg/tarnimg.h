@@ -42,6 +42,9 @@
 #include <tarnimg/cSupportedImages.h>
 #include <tarnimg/cValueStationT.h>
 #include <tarnimg/checkIPPStatus.h>
+#include <tarnimg/colour/cConvertHSVToRGBFunctor.h>
+#include <tarnimg/colour/cConvertRGBToHSVFunctor.h>
+#include <tarnimg/colour/cExtractChannelFunctor.h>
 #include <tarnimg/export.h>
 #include <tarnimg/imagePortGroups.h>
 #include <tarnimg/statistics/cMinMaxFunctor.h>
