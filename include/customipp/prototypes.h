@@ -132,3 +132,11 @@
         const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize, IppiLUT_Spec* pSpec);
 #define CUSTOMIPP_LUT_I(symbol, op, T, channels)                                                             \
     CUSTOMIPP_EXPORT IppStatus symbol(T* pSrcDst, int srcDstStep, IppiSize roiSize, IppiLUT_Spec* pSpec);
+
+/* A template at every place of a source, and the bytes of the work memory that this takes. */
+#define CUSTOMIPP_MATCH_SIZE(symbol, op)                                                                     \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
+        IppiSize srcRoiSize, IppiSize tplRoiSize, IppEnum algType, int* pBufferSize);
+#define CUSTOMIPP_MATCH(symbol, op, T)                                                                       \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, IppiSize srcRoiSize, const T* pTpl,        \
+        int tplStep, IppiSize tplRoiSize, Ipp32f* pDst, int dstStep, IppEnum algType, Ipp8u* pBuffer);
