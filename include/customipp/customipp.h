@@ -45,6 +45,7 @@ CUSTOMIPP_EXPORT void ippsFree(void* ptr);
 #include <customipp/copy.def>
 #include <customipp/copyChannel.def>
 #include <customipp/copyMasked.def>
+#include <customipp/crossCorrNorm.def>
 #include <customipp/div.def>
 #include <customipp/divC.def>
 #include <customipp/dup.def>
@@ -63,6 +64,7 @@ CUSTOMIPP_EXPORT void ippsFree(void* ptr);
 #include <customipp/rgbToHSV.def>
 #include <customipp/set.def>
 #include <customipp/signal.def>
+#include <customipp/sqrDistanceNorm.def>
 #include <customipp/sub.def>
 #include <customipp/subC.def>
 #include <customipp/swapChannels.def>

@@ -145,3 +145,10 @@
 #define CUSTOMIPP_HISTOGRAM(symbol, op, T)                                                                   \
     CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, IppiSize roiSize, Ipp32u* pHist,           \
         const IppiHistogramSpec* pSpec, Ipp8u* pBuffer);
+/* A template at every place of a source, and the bytes of the work memory that this takes. */
+#define CUSTOMIPP_MATCH_SIZE(symbol, op)                                                                     \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
+        IppiSize srcRoiSize, IppiSize tplRoiSize, IppEnum algType, int* pBufferSize);
+#define CUSTOMIPP_MATCH(symbol, op, T)                                                                       \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, IppiSize srcRoiSize, const T* pTpl,        \
+        int tplStep, IppiSize tplRoiSize, Ipp32f* pDst, int dstStep, IppEnum algType, Ipp8u* pBuffer);

@@ -318,4 +318,19 @@
     {                                                                                                        \
         return customipp::runHistogram<T>(                                                                   \
             customipp::kernels##op(), {pSrc, srcStep}, roiSize, pHist, pSpec, pBuffer);                      \
+#undef CUSTOMIPP_MATCH_SIZE
+#define CUSTOMIPP_MATCH_SIZE(symbol, op)                                                                     \
+    IppStatus symbol(IppiSize srcRoiSize, IppiSize tplRoiSize, IppEnum algType, int* pBufferSize)            \
+    {                                                                                                        \
+        return customipp::matchBufferSize(                                                                   \
+            customipp::Measure::op, srcRoiSize, tplRoiSize, algType, pBufferSize);                           \
+    }
+
+#undef CUSTOMIPP_MATCH
+#define CUSTOMIPP_MATCH(symbol, op, T)                                                                       \
+    IppStatus symbol(const T* pSrc, int srcStep, IppiSize srcRoiSize, const T* pTpl, int tplStep,            \
+        IppiSize tplRoiSize, Ipp32f* pDst, int dstStep, IppEnum algType, Ipp8u* pBuffer)                     \
+    {                                                                                                        \
+        return customipp::runMatch<T>(customipp::kernelsMatch(), customipp::Measure::op, {pSrc, srcStep},    \
+            srcRoiSize, {pTpl, tplStep}, tplRoiSize, {pDst, dstStep}, algType, pBuffer);                     \
     }
