@@ -1,19 +1,17 @@
 #include "cJpegBmpFormat.h"
 
+#include "fileBytes.h"
+
 #include <QBuffer>
 #include <QImage>
 #include <QImageReader>
 #include <QImageWriter>
 #include <QVector>
 #include <limits>
-#include <stdexcept>
 
 namespace {
 
-[[noreturn]] void fail(const QString& i_message)
-{
-    throw std::runtime_error(i_message.toLocal8Bit().toStdString());
-}
+using host::raise;
 
 constexpr int s_jpegQuality = 95;
 
@@ -50,7 +48,7 @@ bool cQImageFormat::canHold(cImgType::ImageTypes i_type, unsigned i_channels) co
 cImg cQImageFormat::decode(const unsigned char* i_data, std::size_t i_size) const
 {
     if (i_size > std::size_t(std::numeric_limits<int>::max()))
-        fail(QStringLiteral("the file is too large"));
+        raise(QStringLiteral("the file is too large"));
     QByteArray bytes = QByteArray::fromRawData(reinterpret_cast<const char*>(i_data), int(i_size));
     QBuffer buffer(&bytes);
     QImageReader reader(&buffer, m_format);
@@ -58,12 +56,12 @@ cImg cQImageFormat::decode(const unsigned char* i_data, std::size_t i_size) cons
     reader.setAutoTransform(false);
     const QSize size = reader.size();
     if (!size.isValid() || size.isEmpty())
-        fail(QStringLiteral("%1: damaged, or not of this format").arg(getName()));
+        raise(QStringLiteral("%1: damaged, or not of this format").arg(getName()));
     // QImage keeps colour in four bytes while it decodes.
     checkSize(quint64(size.width()), quint64(size.height()), 4);
     QImage image;
     if (!reader.read(&image))
-        fail(QStringLiteral("%1: %2").arg(getName(), reader.errorString()));
+        raise(QStringLiteral("%1: %2").arg(getName(), reader.errorString()));
     if (image.depth() <= 8 && image.allGray())
         image = image.convertToFormat(QImage::Format_Grayscale8);
     else if (!image.hasAlphaChannel())
@@ -75,12 +73,12 @@ void cQImageFormat::encode(const cImg& i_image, QIODevice& io_device) const
 {
     if (i_image.getWidth() > unsigned(std::numeric_limits<int>::max())
         || i_image.getHeight() > unsigned(std::numeric_limits<int>::max()))
-        fail(QStringLiteral("%1: a side is too long").arg(getName()));
+        raise(QStringLiteral("%1: a side is too long").arg(getName()));
     QImageWriter writer(&io_device, m_format);
     if (m_quality >= 0)
         writer.setQuality(m_quality);
     if (!writer.write(wrap(i_image)))
-        fail(QStringLiteral("%1: %2").arg(getName(), writer.errorString()));
+        raise(QStringLiteral("%1: %2").arg(getName(), writer.errorString()));
 }
 
 cJpegFormat::cJpegFormat()

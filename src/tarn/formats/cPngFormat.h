@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cFileFormat.h"
+#include "../cFileFormat.h"
 
 /**
  * PNG: grey of 8 and 16 bits without and with alpha (`UInt8`, `UInt16` of 1 and 2 channels), colour of 8 bits

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cFileFormat.h"
+#include "../cFileFormat.h"
 
 #include <QByteArray>
 

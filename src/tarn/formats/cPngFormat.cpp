@@ -170,6 +170,9 @@ bool writeRows(Writer& io_writer, const Layout& i_layout, const Rows& i_rows)
     return true;
 }
 
+/** Deflate makes at most this many bytes of one; a header that claims more is forged, or the file is cut. */
+constexpr unsigned s_deflateRatio = 1032;
+
 constexpr int s_colourTypes[]
     = {PNG_COLOR_TYPE_GRAY, PNG_COLOR_TYPE_GRAY_ALPHA, PNG_COLOR_TYPE_RGB, PNG_COLOR_TYPE_RGB_ALPHA};
 
@@ -213,10 +216,7 @@ cImg cPngFormat::decode(const unsigned char* i_data, std::size_t i_size) const
     const quint64 rawBits
         = quint64(png_get_bit_depth(reader.png, reader.info)) * png_get_channels(reader.png, reader.info);
     checkSize(width, height, 1);
-    // Deflate shrinks by 1032 at the most; a header that claims more is forged, or the file is cut. A row has
-    // a byte more.
-    if (height * (width * rawBits / 8 + 1) > quint64(fileSize) * 1040 + 1024)
-        throw std::runtime_error("PNG: the file is too short for the size in its header");
+    checkRatio(height * (width * rawBits / 8 + 1), fileSize, s_deflateRatio); // a row has a byte more
     if (!setUpConversions(reader))
         fail(reader);
     const unsigned channels = png_get_channels(reader.png, reader.info);
