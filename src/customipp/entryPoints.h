@@ -318,6 +318,8 @@
     {                                                                                                        \
         return customipp::runHistogram<T>(                                                                   \
             customipp::kernels##op(), {pSrc, srcStep}, roiSize, pHist, pSpec, pBuffer);                      \
+    }
+
 #undef CUSTOMIPP_MATCH_SIZE
 #define CUSTOMIPP_MATCH_SIZE(symbol, op)                                                                     \
     IppStatus symbol(IppiSize srcRoiSize, IppiSize tplRoiSize, IppEnum algType, int* pBufferSize)            \
