@@ -129,6 +129,7 @@ private:
 
 void registerArithmetic();
 void registerConversion();
+void registerDisplay();
 void registerGraph();
 void registerTemplateMatch();
 
@@ -140,6 +141,7 @@ int main(int i_count, char** i_arguments)
     cv::setNumThreads(1);
     registerArithmetic();
     registerConversion();
+    registerDisplay();
     registerTemplateMatch();
     registerGraph();
     MarkdownReporter reporter;
