@@ -130,6 +130,7 @@ private:
 void registerArithmetic();
 void registerConversion();
 void registerGraph();
+void registerHistograms();
 
 int main(int i_count, char** i_arguments)
 {
@@ -139,6 +140,7 @@ int main(int i_count, char** i_arguments)
     cv::setNumThreads(1);
     registerArithmetic();
     registerConversion();
+    registerHistograms();
     registerGraph();
     MarkdownReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
