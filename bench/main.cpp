@@ -131,6 +131,7 @@ void registerArithmetic();
 void registerConversion();
 void registerGraph();
 void registerHistograms();
+void registerTemplateMatch();
 
 int main(int i_count, char** i_arguments)
 {
@@ -141,6 +142,7 @@ int main(int i_count, char** i_arguments)
     registerArithmetic();
     registerConversion();
     registerHistograms();
+    registerTemplateMatch();
     registerGraph();
     MarkdownReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);

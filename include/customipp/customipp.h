@@ -41,14 +41,18 @@ CUSTOMIPP_EXPORT void ippsFree(void* ptr);
 #include <customipp/addC.def>
 #include <customipp/addProduct.def>
 #include <customipp/addSquare.def>
+#include <customipp/colorTwist.def>
+#include <customipp/compColorKey.def>
 #include <customipp/convert.def>
 #include <customipp/copy.def>
 #include <customipp/copyChannel.def>
 #include <customipp/copyMasked.def>
+#include <customipp/crossCorrNorm.def>
 #include <customipp/div.def>
 #include <customipp/divC.def>
 #include <customipp/dup.def>
 #include <customipp/histogram.def>
+#include <customipp/hsvToRGB.def>
 #include <customipp/ln.def>
 #include <customipp/lut.def>
 #include <customipp/maxEvery.def>
@@ -59,12 +63,16 @@ CUSTOMIPP_EXPORT void ippsFree(void* ptr);
 #include <customipp/polar.def>
 #include <customipp/reduceBits.def>
 #include <customipp/rgbToGray.def>
+#include <customipp/rgbToHSV.def>
 #include <customipp/set.def>
 #include <customipp/signal.def>
+#include <customipp/sqrDistanceNorm.def>
 #include <customipp/sub.def>
 #include <customipp/subC.def>
 #include <customipp/swapChannels.def>
 #include <customipp/thresholdLTValGTVal.def>
+#include <customipp/ycbcr422.def>
+#include <customipp/yuv422ToRGB.def>
 
 #ifdef __cplusplus
 }

@@ -25,7 +25,7 @@ public:
     /** Replaces all entries by copies; entries bound to outside variables are lost. To keep them use merge.
      */
     cMapObj& operator=(const cMapObj& i_other);
-    cMapObj& operator=(cMapObj&& io_other);
+    cMapObj& operator=(cMapObj&& io_other); // NOLINT(*-noexcept-move-constructor): tells its observers
 
     bool isMap() const override;
     bool isContainer() const override;

@@ -10,8 +10,11 @@
 #include <QString>
 #include <QStringList>
 #include <QVarLengthArray>
+#include <QVector>
+#include <memory>
 
 class QFont;
+class QImage;
 class QVariant;
 class cImg;
 
@@ -80,6 +83,29 @@ public:
     virtual QString pixelToString(const unsigned char* i_pixel, bool i_hexadecimal) const = 0;
     /** The room that the longest pixel text takes in a font, in pixels of the screen. */
     virtual QSize getPixelStringSize(const QFont& i_font, bool i_hexadecimal) const = 0;
+
+    /**
+     * Renders an image of this type with the range, style, gamma and colours of this descriptor; null for any
+     * other image. Grey values and single components give `Format_Indexed8`, colours `Format_RGB888` or
+     * `Format_ARGB32`.
+     *
+     * The descriptor may change (automatic range, tables), so one of them renders for one thread at a time.
+     * It need not be the image's own: beside a running graph a viewer renders by a `clone`.
+     *
+     * @throws std::bad_alloc
+     */
+    virtual QImage makeDisplayImage(const cImg& i_image) = 0;
+
+    /**
+     * A descriptor of the same type and channels with settings of its own, equal to these; null if the
+     * factory does not know the type.
+     *
+     * This is how a viewer looks at a running graph: where the first image arrives it takes a clone and keeps
+     * it, and renders that image and all that follow (of the same type and channels) by
+     * `clone->makeDisplayImage(image)` on whatever thread it likes. Of an image that is rendered so only the
+     * pixels are read, none of its descriptor's settings.
+     */
+    std::unique_ptr<cImgType> clone() const;
 
     /** The settings as a map of copies. */
     virtual cMapObj getParams() const;
@@ -164,8 +190,30 @@ protected:
     /** Memory for counting pixels, kept from frame to frame. */
     QVarLengthArray<unsigned char, 256>& histogramWork() { return m_histogramWork; }
 
+    /**
+     * Makes `io_out` an indexed picture of the image's size, with undefined pixels and a grey ramp; kept if
+     * it is one already, whatever its colours. Null if there can be no such picture.
+     */
+    void makeDisplayImageHelper(const cImg& i_image, QImage& io_out) const;
+    /**
+     * The same, and makes the scratch an image of the given one's type and size with 1 channel: for types
+     * that compute in an image before they write the picture.
+     */
+    void makeDisplayImageHelperIPP(const cImg& i_image, QImage& io_out) const;
+    /** An image that is kept from call to call, with undefined pixels after it was remade. */
+    cImg& displayScratch(ImageTypes i_type, unsigned i_width, unsigned i_height) const;
+    /**
+     * Maps all bytes of a picture, alpha too, by the gamma table; of an indexed picture the bytes and not its
+     * colours. Only if the range is fixed, not automatic.
+     *
+     * The table is made anew after `setGamma` and whenever the range was set, but not after `setParams`.
+     */
+    void applyGamma(QImage& io_out);
+
     /** Index of the style in the list, limited to the last channel. */
     unsigned getStyleID() const;
+    /** The same without a limit, for types whose styles are no channels. */
+    unsigned getStyleIndex() const { return m_styleIndex; }
     /** For types with a fixed number of channels. The first style becomes the present one. */
     void setFixedChannels(unsigned i_channels, const QStringList& i_styles);
 
@@ -189,6 +237,8 @@ private:
     /** The image without its borders; void if nothing is left. */
     cImg autoRangeRegion(const cImg& i_image) const;
 
+    void limitRange(const cDblRange& i_range);
+
     unsigned m_elementSize = 0;
     cDblRange m_maxRange;
     cDblRange m_range;
@@ -201,4 +251,8 @@ private:
     double m_gamma = 1.0;
     cRangeHistory<int> m_rangeHistory;
     QVarLengthArray<unsigned char, 256> m_histogramWork;
+    bool m_gammaTableDirty = true;
+    QVector<int> m_gammaOutput; ///< 256 bytes once they are needed.
+    QVector<int> m_gammaInput; ///< The bytes in their order, likewise.
+    mutable std::unique_ptr<cImg> m_displayScratch;
 };

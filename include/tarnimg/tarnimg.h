@@ -42,7 +42,13 @@
 #include <tarnimg/cRangeHistory.h>
 #include <tarnimg/cSupportedImages.h>
 #include <tarnimg/cValueStationT.h>
+#include <tarnimg/cWorkMemory.h>
 #include <tarnimg/checkIPPStatus.h>
+#include <tarnimg/colour/cConvertHSVToRGBFunctor.h>
+#include <tarnimg/colour/cConvertRGBToHSVFunctor.h>
+#include <tarnimg/colour/cExtractChannelFunctor.h>
 #include <tarnimg/export.h>
 #include <tarnimg/imagePortGroups.h>
+#include <tarnimg/statistics/cCrossCorrelationFunctor.h>
 #include <tarnimg/statistics/cMinMaxFunctor.h>
+#include <tarnimg/statistics/cSqrDistanceFunctor.h>

@@ -1,8 +1,13 @@
 #include "cFileFormat.h"
 
-#include "cJpegBmpFormat.h"
-#include "cPngFormat.h"
-#include "cTiffFormat.h"
+#include "formats/cJpegBmpFormat.h"
+#include "formats/cNpyFormat.h"
+#include "formats/cPfmFormat.h"
+#include "formats/cPngFormat.h"
+#include "formats/cPnmFormat.h"
+#include "formats/cStreamFormat.h"
+#include "formats/cTiffFormat.h"
+#include "formats/fileBytes.h"
 
 #include <tarnbase/cFileSystem.h>
 #include <tarnbase/cTracer.h>
@@ -16,16 +21,13 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
-#include <stdexcept>
+#include <exception>
 
 namespace {
 
 constexpr quint64 s_mostBytes = Q_UINT64_C(1) << 31;
 
-[[noreturn]] void fail(const QString& i_message)
-{
-    throw std::runtime_error(i_message.toLocal8Bit().toStdString());
-}
+using host::raise;
 
 QString typeText(cImgType::ImageTypes i_type, unsigned i_channels)
 {
@@ -106,7 +108,7 @@ public:
     explicit cPart(const QString& i_path) : m_path(i_path), m_file(partName(i_path))
     {
         if (!m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
-            fail(m_file.errorString());
+            raise(m_file.errorString());
     }
     ~cPart()
     {
@@ -122,11 +124,11 @@ public:
         const bool flushed = m_file.flush();
         m_file.close();
         if (!flushed || m_file.error() != QFileDevice::NoError)
-            fail(m_file.errorString());
+            raise(m_file.errorString());
         if (std::rename(
                 QFile::encodeName(m_file.fileName()).constData(), QFile::encodeName(m_path).constData())
             != 0)
-            fail(qt_error_string(errno));
+            raise(qt_error_string(errno));
         m_done = true;
     }
 
@@ -150,14 +152,14 @@ private:
 void cFileFormat::checkSize(quint64 i_width, quint64 i_height, quint64 i_bytesPerPixel)
 {
     if (i_width == 0 || i_height == 0)
-        fail(QStringLiteral("the image is empty (%1x%2)").arg(i_width).arg(i_height));
+        raise(QStringLiteral("the image is empty (%1x%2)").arg(i_width).arg(i_height));
     // Divided, so that no product can overflow.
     if (i_width > s_mostBytes / i_height || i_width * i_height > s_mostBytes / i_bytesPerPixel)
-        fail(QStringLiteral(
+        raise(QStringLiteral(
             "the image is too large, %1x%2 pixels of %3 bytes, at most 2 GiB are read or written")
-                 .arg(i_width)
-                 .arg(i_height)
-                 .arg(i_bytesPerPixel));
+                  .arg(i_width)
+                  .arg(i_height)
+                  .arg(i_bytesPerPixel));
 }
 
 cImg cFileFormat::openImg(const QString& i_path, const cMapObj&)
@@ -194,49 +196,86 @@ bool cFileFormat::writeImg(const QString& i_path, const cImg& i_image, const cOb
 cImg cFileFormat::read(const QString& i_path) const
 {
     if (QFileInfo(i_path).isDir())
-        fail(QStringLiteral("it is a folder"));
+        raise(QStringLiteral("it is a folder"));
     QFile file(i_path);
     if (!file.open(QIODevice::ReadOnly))
-        fail(file.errorString());
+        raise(file.errorString());
     if (quint64(file.size()) >= s_mostBytes)
-        fail(QStringLiteral("the file is too large, at most 2 GiB are read"));
+        raise(QStringLiteral("the file is too large, at most 2 GiB are read"));
     // Read and not mapped: a file that somebody cuts meanwhile must not end the process.
     const QByteArray data = file.readAll();
     if (file.error() != QFileDevice::NoError)
-        fail(file.errorString());
+        raise(file.errorString());
     if (data.isEmpty())
-        fail(QStringLiteral("the file is empty"));
+        raise(QStringLiteral("the file is empty"));
     return decode(reinterpret_cast<const unsigned char*>(data.constData()), std::size_t(data.size()));
 }
 
-void cFileFormat::write(const QString& i_path, const cImg& i_image) const
+void cFileFormat::checkLength(quint64 i_needed, quint64 i_found)
+{
+    if (i_found < i_needed)
+        raise(QStringLiteral("the file ends too early: %1 bytes of pixels, expected %2")
+                  .arg(i_found)
+                  .arg(i_needed));
+}
+
+void cFileFormat::checkRatio(quint64 i_needed, quint64 i_found, quint64 i_most)
+{
+    constexpr quint64 harmless = 1 << 20;
+    if (i_needed > harmless && i_needed / i_most > i_found)
+        raise(QStringLiteral(
+            "the file is too short for the size in its header: %1 bytes, expected %2 at the least")
+                  .arg(i_found)
+                  .arg(i_needed / i_most));
+}
+
+void cFileFormat::checkHeld(const cImg& i_image) const
 {
     if (!i_image.isValid())
-        fail(QStringLiteral("the image is not valid"));
+        raise(QStringLiteral("the image is not valid"));
     const cImgType::ImageTypes type = i_image.getImgType().getTypeId();
     const unsigned channels = i_image.getNumChannels();
     if (!canHold(type, channels)) {
         const QStringList others = holders(type, channels);
-        fail(QStringLiteral("%1 cannot hold %2, formats that can: %3")
-                 .arg(getName(), typeText(type, channels),
-                     others.isEmpty() ? QStringLiteral("none") : others.join(QStringLiteral(", "))));
+        raise(QStringLiteral("%1 cannot hold %2, formats that can: %3")
+                  .arg(getName(), typeText(type, channels),
+                      others.isEmpty() ? QStringLiteral("none") : others.join(QStringLiteral(", "))));
     }
     checkSize(i_image.getWidth(), i_image.getHeight(), i_image.getImgType().getPixelSize());
+}
+
+void cFileFormat::write(const QString& i_path, const cImg& i_image) const
+{
+    checkHeld(i_image);
     cPart part(i_path);
     encode(i_image, part.file());
     part.commit();
+}
+
+void cFileFormat::write(QIODevice& io_device, const cImg& i_image) const
+{
+    checkHeld(i_image);
+    encode(i_image, io_device);
 }
 
 namespace host {
 
 void registerFileFormats()
 {
-    static cPngFormat s_png;
-    static cJpegFormat s_jpeg;
     static cBmpFormat s_bmp;
+    static cJpegFormat s_jpeg;
+    static cNpyFormat s_npy;
+    static cPfmFormat s_pfm;
+    static cPngFormat s_png;
+    static cPnmFormat s_pbm(cPnmFormat::Pbm), s_pgm(cPnmFormat::Pgm), s_ppm(cPnmFormat::Ppm),
+        s_pnm(cPnmFormat::Pnm), s_pam(cPnmFormat::Pam);
+    static cStreamFormat s_stream;
     static cTiffFormat s_tiff;
-    static const bool s_done = cImgIO::registerFileIO(&s_png) && cImgIO::registerFileIO(&s_jpeg)
-        && cImgIO::registerFileIO(&s_bmp) && cImgIO::registerFileIO(&s_tiff);
+    static const bool s_done = [] {
+        cImgIO* const all[] = {&s_bmp, &s_jpeg, &s_npy, &s_pfm, &s_png, &s_pbm, &s_pgm, &s_ppm, &s_pnm,
+            &s_pam, &s_stream, &s_tiff};
+        return std::all_of(std::begin(all), std::end(all), &cImgIO::registerFileIO);
+    }();
     Q_UNUSED(s_done)
 }
 
@@ -244,29 +283,41 @@ cImg readImage(const QString& i_path)
 {
     cImgIO* handler = findHandler(i_path, cImgIO::Read);
     if (!handler)
-        fail(unknownExtension(i_path, readableExtensions()));
+        raise(unknownExtension(i_path, readableExtensions()));
     const QSharedPointer<cImgIO> own(handler->clone());
     if (const auto* format = dynamic_cast<const cFileFormat*>(own.data()))
         return format->read(i_path);
-    const cImg image = own->openImg(i_path, cMapObj());
+    cImg image = own->openImg(i_path, cMapObj());
     if (!image.isValid())
-        fail(QStringLiteral("%1 cannot read it").arg(own->getName()));
+        raise(QStringLiteral("%1 cannot read it").arg(own->getName()));
     return image;
+}
+
+unsigned countPages(const QString& i_path, const cImg& i_image)
+{
+    const auto* format = dynamic_cast<const cFileFormat*>(findHandler(i_path, cImgIO::Read));
+    return format ? format->countPages(i_image) : 1;
 }
 
 void writeImage(const QString& i_path, const cImg& i_image)
 {
     cImgIO* handler = findHandler(i_path, cImgIO::Write);
     if (!handler)
-        fail(unknownExtension(i_path, writableExtensions()));
+        raise(unknownExtension(i_path, writableExtensions()));
     const QString folder = QFileInfo(i_path).path();
     if (!QDir().mkpath(folder))
-        fail(QStringLiteral("the folder '%1' cannot be made").arg(folder));
+        raise(QStringLiteral("the folder '%1' cannot be made").arg(folder));
     const QSharedPointer<cImgIO> own(handler->clone());
     if (const auto* format = dynamic_cast<const cFileFormat*>(own.data()))
         format->write(i_path, i_image);
     else if (!own->writeImg(i_path, i_image, nullptr))
-        fail(QStringLiteral("%1 cannot write it").arg(own->getName()));
+        raise(QStringLiteral("%1 cannot write it").arg(own->getName()));
+}
+
+bool canHold(const QString& i_path, const cImg& i_image)
+{
+    const auto* format = dynamic_cast<const cFileFormat*>(findHandler(i_path, cImgIO::Write));
+    return format && format->canHold(i_image.getImgType().getTypeId(), i_image.getNumChannels());
 }
 
 bool canRead(const QString& i_path) { return findHandler(i_path, cImgIO::Read); }

@@ -26,9 +26,14 @@ public:
     cImg read(const QString& i_path) const;
     /** @throws std::runtime_error that says why the image cannot be written, without the path */
     void write(const QString& i_path, const cImg& i_image) const;
+    /** The same to a device that can seek. */
+    void write(QIODevice& io_device, const cImg& i_image) const;
 
     /** Whether images of this type can be written. */
     virtual bool canHold(cImgType::ImageTypes i_type, unsigned i_channels) const = 0;
+
+    /** How many pictures the file had from which an image was read; those after the first are not read. */
+    virtual unsigned countPages(const cImg&) const { return 1; }
 
     /** @throws std::runtime_error on anything that is no complete, sound file of the format */
     virtual cImg decode(const unsigned char* i_data, std::size_t i_size) const = 0;
@@ -36,7 +41,8 @@ public:
 protected:
     using cImgIO::cImgIO;
 
-    /** Writes an image of a type that can be held to a device that can seek. @throws std::runtime_error */
+    /** Writes a valid image of a type that can be held to a device that can seek. @throws std::runtime_error
+     */
     virtual void encode(const cImg& i_image, QIODevice& io_device) const = 0;
 
     /**
@@ -44,19 +50,34 @@ protected:
      * @throws std::runtime_error
      */
     static void checkSize(quint64 i_width, quint64 i_height, quint64 i_bytesPerPixel);
+    /**
+     * Checks that a file holds what its header claims, before memory is taken.
+     * @throws std::runtime_error
+     */
+    static void checkLength(quint64 i_needed, quint64 i_found);
+    /** The same for compressed pixels, of which a byte of the file stands for so many at the most. */
+    static void checkRatio(quint64 i_needed, quint64 i_found, quint64 i_most);
+
+private:
+    void checkHeld(const cImg& i_image) const;
 };
 
 namespace host {
 
-/** Registers the handlers of this library: PNG, JPEG, BMP and TIFF. Once; later calls do nothing. */
+/** Registers the handlers of this library, those of folder formats/. Once; later calls do nothing. */
 void registerFileFormats();
 
 /** Reads with the handler whose patterns have the extension. @throws std::runtime_error that says why not,
  * without the path */
 cImg readImage(const QString& i_path);
-/** The same for writing. Folders on the way are made. */
+/** How many pictures there are in the file from which this image was read. */
+unsigned countPages(const QString& i_path, const cImg& i_image);
+/** Writes with the handler whose patterns have the extension. Folders on the way are made. @throws
+ * std::runtime_error */
 void writeImage(const QString& i_path, const cImg& i_image);
 
+/** Whether the format of this path has room for the image's type and channels. */
+bool canHold(const QString& i_path, const cImg& i_image);
 /** Whether a handler reads (or writes) files with the extension of this path. */
 bool canRead(const QString& i_path);
 bool canWrite(const QString& i_path);

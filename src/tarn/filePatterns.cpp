@@ -144,7 +144,7 @@ cExpansion expandPattern(const QString& i_pattern)
     cExpansion result;
     const QStringList parts = i_pattern.split(u',', Qt::SkipEmptyParts);
     for (const QString& part : parts) {
-        const cExpansion one = expandOne(part);
+        cExpansion one = expandOne(part);
         if (!one.error.isEmpty())
             return one;
         result.files += one.files;

@@ -47,7 +47,7 @@ cMapObj& cMapObj::operator=(const cMapObj& i_other)
     return *this;
 }
 
-cMapObj& cMapObj::operator=(cMapObj&& io_other)
+cMapObj& cMapObj::operator=(cMapObj&& io_other) // NOLINT(*-noexcept-move-constructor)
 {
     if (this == &io_other)
         return *this;

@@ -156,9 +156,8 @@ constexpr Refused s_refused[] = {
         "g:1:16: error: s.path: unknown placeholder, expected {stem}, {index}, {stamp} or {port}, found "
         "{name}"},
     {"UnknownFormat", "files @ ! save o.gif name=s",
-        "g:1:16: error: s.path: unknown file format, expected one of the extensions bmp, jpeg, jpg, png, "
-        "tif, tiff, found "
-        "'.gif'"},
+        "g:1:16: error: s.path: unknown file format, expected one of the extensions bmp, jpeg, jpg, npy, "
+        "pam, pfm, pgm, png, pnm, ppm, tif, tiff, tis, found '.gif'"},
     {"ManyFramesForOneFile", "files @ repeat=3 ! save o.png name=s",
         "g:1:25: error: s.path: 3 frames would write the one file 'o.png'\n"
         "  help: put {stem} or {index} into the name"},

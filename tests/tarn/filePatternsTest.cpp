@@ -56,7 +56,7 @@ TEST_F(filePatterns, AFolderStandsForTheFilesInItThatCanBeRead)
     EXPECT_EQ(expand("@empty"),
         QStringLiteral(
             "no file that can be read in the folder '@empty', expected files with one of the extensions bmp, "
-            "jpeg, jpg, png, tif, tiff"));
+            "jpeg, jpg, npy, pam, pbm, pfm, pgm, png, pnm, ppm, tif, tiff, tis"));
 }
 
 TEST_F(filePatterns, WildcardsStandForNamesInEveryPartOfThePath)

@@ -72,22 +72,48 @@ HWY_INLINE void convertVector(D d, const Ipp32f* i_source, T* o_target, const Fl
     }
 }
 
-/** The guess: false, with nothing stored, if an element lies so near a half that its rounding is in doubt. */
+/** How many vectors share one question whether their guess holds. */
+constexpr std::size_t s_batch = 4;
+
+/**
+ * The guess: false, with nothing stored, if an element of the batch lies so near a half that its rounding is
+ * in doubt, or is not a number.
+ */
 template <class T, class D>
 HWY_INLINE bool convertByGuess(D d, const Ipp32f* i_source, T* o_target, const FloatChain& i_chain)
 {
     const hn::RebindToUnsigned<D> du;
-    const auto v = hn::LoadU(d, i_source);
-    const auto limited = hn::Max(hn::Min(v, hn::Set(d, i_chain.high)), hn::Set(d, i_chain.low));
-    const auto bits = hn::BitCast(
-        du, hn::MulAdd(limited, hn::Set(d, i_chain.guess.factor), hn::Set(d, i_chain.guess.constant)));
-    const auto isDoubtful
-        = hn::Or(hn::Eq(hn::And(bits, hn::Set(du, 0xFF8u)), hn::Zero(du)), hn::RebindMask(du, hn::IsNaN(v)));
+    const std::size_t lanes = hn::Lanes(d);
+    const auto bitsOf = [&](auto i_values) HWY_ATTR {
+        const auto limited = hn::Max(hn::Min(i_values, hn::Set(d, i_chain.high)), hn::Set(d, i_chain.low));
+        return hn::BitCast(
+            du, hn::MulAdd(limited, hn::Set(d, i_chain.guess.factor), hn::Set(d, i_chain.guess.constant)));
+    };
+    const auto fraction = [du](auto i_bits) HWY_ATTR { return hn::And(i_bits, hn::Set(du, 0xFF8u)); };
+    const auto v0 = hn::LoadU(d, i_source);
+    const auto v1 = hn::LoadU(d, i_source + lanes);
+    const auto v2 = hn::LoadU(d, i_source + 2 * lanes);
+    const auto v3 = hn::LoadU(d, i_source + 3 * lanes);
+    const auto bits0 = bitsOf(v0);
+    const auto bits1 = bitsOf(v1);
+    const auto bits2 = bitsOf(v2);
+    const auto bits3 = bitsOf(v3);
+    const auto least
+        = hn::Min(hn::Min(fraction(bits0), fraction(bits1)), hn::Min(fraction(bits2), fraction(bits3)));
+    // Infinities of both signs give NaN here too, which costs time only.
+    const auto sum = hn::Add(hn::Add(v0, v1), hn::Add(v2, v3));
+    const auto isDoubtful = hn::Or(hn::Eq(least, hn::Zero(du)), hn::RebindMask(du, hn::IsNaN(sum)));
     if (HWY_UNLIKELY(!hn::AllFalse(du, isDoubtful)))
         return false;
-    const hn::Rebind<std::make_unsigned_t<T>, D> dtu;
-    const hn::Rebind<T, D> dt;
-    hn::StoreU(hn::BitCast(dt, hn::TruncateTo(dtu, hn::ShiftRight<12>(bits))), dt, o_target);
+    const auto store = [&](auto i_bits, T* o_to) HWY_ATTR {
+        const hn::Rebind<std::make_unsigned_t<T>, D> dtu;
+        const hn::Rebind<T, D> dt;
+        hn::StoreU(hn::BitCast(dt, hn::TruncateTo(dtu, hn::ShiftRight<12>(i_bits))), dt, o_to);
+    };
+    store(bits0, o_target);
+    store(bits1, o_target + lanes);
+    store(bits2, o_target + 2 * lanes);
+    store(bits3, o_target + 3 * lanes);
     return true;
 }
 
@@ -102,9 +128,12 @@ HWY_INLINE void convertAll(
     std::size_t x = 0;
     if constexpr (sizeof(T) == 1) {
         if (chain.guess.usable) {
-            for (; x + lanes <= i_count; x += lanes)
-                if (!convertByGuess(d, i_source + x, o_target + x, chain))
-                    convertVector<Division>(d, i_source + x, o_target + x, chain);
+            for (; x + s_batch * lanes <= i_count; x += s_batch * lanes) {
+                if (!convertByGuess(d, i_source + x, o_target + x, chain)) {
+                    for (std::size_t i = 0; i < s_batch; ++i)
+                        convertVector<Division>(d, i_source + x + i * lanes, o_target + x + i * lanes, chain);
+                }
+            }
         }
     }
     for (; x + lanes <= i_count; x += lanes)

@@ -56,15 +56,21 @@ cImg resultLike(const cImg& i_image)
     return cImg(i_image.getImgType().getTypeId(), i_image.getWidth(), i_image.getHeight(), 1);
 }
 
+void bindChoiceParam(cObj* i_params, const char* i_key, QString& i_member, const QStringList& i_choices)
+{
+    bindParam(i_params, i_key, i_member);
+    i_params->getSubObject(QString::fromLatin1(i_key))
+        ->setEnumeration(new cDataValObj<QStringList>(i_choices, 0));
+}
+
 void bindEnumParam(cObj* i_params, const char* i_key, QString& i_member, const QMetaObject& i_class,
     const char* i_enumeration)
 {
-    bindParam(i_params, i_key, i_member);
     const QMetaEnum enumeration = i_class.enumerator(i_class.indexOfEnumerator(i_enumeration));
     QStringList keys;
     for (int i = 0; i < enumeration.keyCount(); ++i)
         keys.append(QString::fromLatin1(enumeration.key(i)));
-    i_params->getSubObject(QString::fromLatin1(i_key))->setEnumeration(new cDataValObj<QStringList>(keys, 0));
+    bindChoiceParam(i_params, i_key, i_member, keys);
 }
 
 int enumValue(const QMetaObject& i_class, const char* i_enumeration, const QString& i_key)

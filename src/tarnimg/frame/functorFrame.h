@@ -2,6 +2,7 @@
 
 #include <QMetaObject>
 #include <QString>
+#include <QStringList>
 #include <customipp/types.h>
 #include <iterator>
 #include <tarnbase/cDataRefObj.h>
@@ -37,6 +38,9 @@ template <class T> void bindParam(cObj* i_params, const char* i_key, T& i_member
 {
     i_params->setSubObject(new cDataRefObj<T>(i_member, 0), QString::fromLatin1(i_key), true);
 }
+
+/** Enters a member that holds one of a list of texts. */
+void bindChoiceParam(cObj* i_params, const char* i_key, QString& i_member, const QStringList& i_choices);
 
 /** Enters a member that holds the key of an enumerator, with the list of allowed keys. */
 void bindEnumParam(cObj* i_params, const char* i_key, QString& i_member, const QMetaObject& i_class,

@@ -72,6 +72,8 @@ void expectOrder(const char* i_symbol, Uses i_uses, const std::function<IppStatu
 #define CUSTOMIPP_MOVE(symbol, op, S, srcChannels, D, dstChannels)                                           \
     expectOrder(#symbol, s_two,                                                                              \
         [](Arguments& a) { return symbol(a.at<const S>(0), a.steps[0], a.at<D>(1), a.steps[1], a.size); });
+#undef CUSTOMIPP_UNARY
+#define CUSTOMIPP_UNARY(symbol, op, T, channels) CUSTOMIPP_MOVE(symbol, op, T, channels, T, channels)
 #undef CUSTOMIPP_MOVE_ROUNDED
 #define CUSTOMIPP_MOVE_ROUNDED(symbol, op, S, D)                                                             \
     expectOrder(#symbol, s_two, [](Arguments& a) {                                                           \
@@ -120,8 +122,10 @@ TEST(moverCheckTest, PointersThenSizeThenSteps)
 #include <customipp/copyChannel.def>
 #include <customipp/copyMasked.def>
 #include <customipp/dup.def>
+#include <customipp/hsvToRGB.def>
 #include <customipp/polar.def>
 #include <customipp/rgbToGray.def>
+#include <customipp/rgbToHSV.def>
 #include <customipp/set.def>
 #include <customipp/swapChannels.def>
 #include <customipp/thresholdLTValGTVal.def>
