@@ -185,7 +185,7 @@ void registerRange(cImgType::ImageTypes i_type)
     enter(nameOf("range", i_type), [=](unsigned w, unsigned h) {
         const cImg image = noise(i_type, w, h, 1);
         return duelOf(
-            image, image.getFrameSize(), [image]() mutable { image.adjustRange(); },
+            image, image.getFrameSize(), [own = image]() mutable { own.adjustRange(); },
             [image] {
                 double low, high;
                 cv::minMaxIdx(asMat(image).reshape(1), &low, &high);
