@@ -128,6 +128,7 @@ private:
 } // namespace
 
 void registerArithmetic();
+void registerConstants();
 void registerConversion();
 void registerGraph();
 
@@ -138,6 +139,7 @@ int main(int i_count, char** i_arguments)
         return 2;
     cv::setNumThreads(1);
     registerArithmetic();
+    registerConstants();
     registerConversion();
     registerGraph();
     MarkdownReporter reporter;
