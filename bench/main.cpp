@@ -128,6 +128,7 @@ private:
 } // namespace
 
 void registerArithmetic();
+void registerConstants();
 void registerConversion();
 void registerGraph();
 void registerHistograms();
@@ -140,6 +141,7 @@ int main(int i_count, char** i_arguments)
         return 2;
     cv::setNumThreads(1);
     registerArithmetic();
+    registerConstants();
     registerConversion();
     registerHistograms();
     registerTemplateMatch();
