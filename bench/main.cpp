@@ -133,6 +133,7 @@ void registerConversion();
 void registerGraph();
 void registerHistograms();
 void registerTemplateMatch();
+void registerStatisticsLocal();
 
 int main(int i_count, char** i_arguments)
 {
@@ -145,6 +146,7 @@ int main(int i_count, char** i_arguments)
     registerConversion();
     registerHistograms();
     registerTemplateMatch();
+    registerStatisticsLocal();
     registerGraph();
     MarkdownReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);

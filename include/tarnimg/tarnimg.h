@@ -58,6 +58,11 @@
 #include <tarnimg/colour/cYUV422PlanarToPixelFunctor.h>
 #include <tarnimg/export.h>
 #include <tarnimg/imagePortGroups.h>
+#include <tarnimg/statistics/cBlockMinMaxFunctor.h>
 #include <tarnimg/statistics/cCrossCorrelationFunctor.h>
+#include <tarnimg/statistics/cFindPeaks3x3Functor.h>
+#include <tarnimg/statistics/cIntegralFunctor.h>
 #include <tarnimg/statistics/cMinMaxFunctor.h>
+#include <tarnimg/statistics/cRectStdDevFunctor.h>
 #include <tarnimg/statistics/cSqrDistanceFunctor.h>
+#include <tarnimg/statistics/cSqrIntegralFunctor.h>
