@@ -128,6 +128,7 @@ private:
 } // namespace
 
 void registerArithmetic();
+void registerColour();
 void registerConversion();
 void registerGraph();
 
@@ -138,6 +139,7 @@ int main(int i_count, char** i_arguments)
         return 2;
     cv::setNumThreads(1);
     registerArithmetic();
+    registerColour();
     registerConversion();
     registerGraph();
     MarkdownReporter reporter;
