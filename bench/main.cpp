@@ -127,8 +127,8 @@ private:
 
 } // namespace
 
-void registerArithmetic();
 void registerColour();
+void registerArithmetic();
 void registerConversion();
 void registerGraph();
 
@@ -138,8 +138,8 @@ int main(int i_count, char** i_arguments)
     if (benchmark::ReportUnrecognizedArguments(i_count, i_arguments))
         return 2;
     cv::setNumThreads(1);
-    registerArithmetic();
     registerColour();
+    registerArithmetic();
     registerConversion();
     registerGraph();
     MarkdownReporter reporter;
