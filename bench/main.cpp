@@ -127,6 +127,7 @@ private:
 
 } // namespace
 
+void registerColour();
 void registerArithmetic();
 void registerConstants();
 void registerConversion();
@@ -141,6 +142,7 @@ int main(int i_count, char** i_arguments)
     if (benchmark::ReportUnrecognizedArguments(i_count, i_arguments))
         return 2;
     cv::setNumThreads(1);
+    registerColour();
     registerArithmetic();
     registerConstants();
     registerConversion();
