@@ -45,6 +45,7 @@ CUSTOMIPP_EXPORT void ippsFree(void* ptr);
 #include <customipp/copy.def>
 #include <customipp/copyChannel.def>
 #include <customipp/copyMasked.def>
+#include <customipp/countInRange.def>
 #include <customipp/crossCorrNorm.def>
 #include <customipp/div.def>
 #include <customipp/divC.def>
@@ -54,10 +55,13 @@ CUSTOMIPP_EXPORT void ippsFree(void* ptr);
 #include <customipp/ln.def>
 #include <customipp/lut.def>
 #include <customipp/maxEvery.def>
+#include <customipp/meanStdDev.def>
 #include <customipp/minEvery.def>
 #include <customipp/minMax.def>
 #include <customipp/mul.def>
 #include <customipp/mulC.def>
+#include <customipp/norm.def>
+#include <customipp/normDiff.def>
 #include <customipp/polar.def>
 #include <customipp/reduceBits.def>
 #include <customipp/rgbToGray.def>
