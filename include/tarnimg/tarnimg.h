@@ -48,6 +48,11 @@
 #include <tarnimg/colour/cExtractChannelFunctor.h>
 #include <tarnimg/export.h>
 #include <tarnimg/imagePortGroups.h>
+#include <tarnimg/statistics/cCountInRangeFunctor.h>
+#include <tarnimg/statistics/cCountInRangeRGBFunctor.h>
 #include <tarnimg/statistics/cCrossCorrelationFunctor.h>
+#include <tarnimg/statistics/cImgNormDiffFunctor.h>
+#include <tarnimg/statistics/cImgNormFunctor.h>
+#include <tarnimg/statistics/cMeanStdDevFunctor.h>
 #include <tarnimg/statistics/cMinMaxFunctor.h>
 #include <tarnimg/statistics/cSqrDistanceFunctor.h>
