@@ -130,6 +130,7 @@ private:
 void registerArithmetic();
 void registerConversion();
 void registerGraph();
+void registerStatistics();
 void registerTemplateMatch();
 
 int main(int i_count, char** i_arguments)
@@ -140,6 +141,7 @@ int main(int i_count, char** i_arguments)
     cv::setNumThreads(1);
     registerArithmetic();
     registerConversion();
+    registerStatistics();
     registerTemplateMatch();
     registerGraph();
     MarkdownReporter reporter;
