@@ -128,8 +128,10 @@ private:
 } // namespace
 
 void registerArithmetic();
+void registerConstants();
 void registerConversion();
 void registerGraph();
+void registerHistograms();
 void registerStatistics();
 void registerTemplateMatch();
 
@@ -140,7 +142,9 @@ int main(int i_count, char** i_arguments)
         return 2;
     cv::setNumThreads(1);
     registerArithmetic();
+    registerConstants();
     registerConversion();
+    registerHistograms();
     registerStatistics();
     registerTemplateMatch();
     registerGraph();

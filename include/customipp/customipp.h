@@ -41,6 +41,8 @@ CUSTOMIPP_EXPORT void ippsFree(void* ptr);
 #include <customipp/addC.def>
 #include <customipp/addProduct.def>
 #include <customipp/addSquare.def>
+#include <customipp/colorTwist.def>
+#include <customipp/compColorKey.def>
 #include <customipp/convert.def>
 #include <customipp/copy.def>
 #include <customipp/copyChannel.def>
@@ -73,6 +75,8 @@ CUSTOMIPP_EXPORT void ippsFree(void* ptr);
 #include <customipp/subC.def>
 #include <customipp/swapChannels.def>
 #include <customipp/thresholdLTValGTVal.def>
+#include <customipp/ycbcr422.def>
+#include <customipp/yuv422ToRGB.def>
 
 #ifdef __cplusplus
 }

@@ -89,6 +89,27 @@
     CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
         T* pSrcDst, int srcDstStep, IppiSize roiSize, const int dstOrder[channels]);
 
+/* Three channels by a matrix, with four channels keeping what the last one holds. */
+#define CUSTOMIPP_TWIST(symbol, op, T, channels)                                                             \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
+        const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize, const Ipp32f twist[3][4]);
+
+/* Two images to one by a key, which is a pixel of one channel or of several. */
+#define CUSTOMIPP_COLOUR_KEY(symbol, op, T)                                                                  \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst,   \
+        int dstStep, IppiSize roiSize, T colorKey);
+#define CUSTOMIPP_COLOUR_KEYS(symbol, op, T, channels)                                                       \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst,   \
+        int dstStep, IppiSize roiSize, T colorKey[channels]);
+
+/* A packed image to three planes, and three planes to a packed image. */
+#define CUSTOMIPP_PACKED_TO_PLANES(symbol, op, T)                                                            \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
+        const T* pSrc, int srcStep, T* pDst[3], int dstStep[3], IppiSize roiSize);
+#define CUSTOMIPP_PLANES_TO_PACKED(symbol, op, T)                                                            \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
+        const T* pSrc[3], int srcStep[3], T* pDst, int dstStep, IppiSize roiSize);
+
 /* Two thresholds with a value for each, the same for all pixels or for each of three channels. */
 #define CUSTOMIPP_TWO_LEVELS(symbol, op, T)                                                                  \
     CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize,    \

@@ -2,14 +2,19 @@
 
 #include <tarnbase/cMapObj.h>
 #include <tarnbase/cRange.h>
+#include <tarnimg/cRangeHistory.h>
 #include <tarnimg/export.h>
 
 #include <QObject>
 #include <QSize>
 #include <QString>
 #include <QStringList>
+#include <QVarLengthArray>
+#include <QVector>
+#include <memory>
 
 class QFont;
+class QImage;
 class QVariant;
 class cImg;
 
@@ -79,6 +84,29 @@ public:
     /** The room that the longest pixel text takes in a font, in pixels of the screen. */
     virtual QSize getPixelStringSize(const QFont& i_font, bool i_hexadecimal) const = 0;
 
+    /**
+     * Renders an image of this type with the range, style, gamma and colours of this descriptor; null for any
+     * other image. Grey values and single components give `Format_Indexed8`, colours `Format_RGB888` or
+     * `Format_ARGB32`.
+     *
+     * The descriptor may change (automatic range, tables), so one of them renders for one thread at a time.
+     * It need not be the image's own: beside a running graph a viewer renders by a `clone`.
+     *
+     * @throws std::bad_alloc
+     */
+    virtual QImage makeDisplayImage(const cImg& i_image) = 0;
+
+    /**
+     * A descriptor of the same type and channels with settings of its own, equal to these; null if the
+     * factory does not know the type.
+     *
+     * This is how a viewer looks at a running graph: where the first image arrives it takes a clone and keeps
+     * it, and renders that image and all that follow (of the same type and channels) by
+     * `clone->makeDisplayImage(image)` on whatever thread it likes. Of an image that is rendered so only the
+     * pixels are read, none of its descriptor's settings.
+     */
+    std::unique_ptr<cImgType> clone() const;
+
     /** The settings as a map of copies. */
     virtual cMapObj getParams() const;
     /** Takes over the settings that the map has; others stay. A gamma that is not positive becomes 1. */
@@ -115,7 +143,10 @@ public:
     bool operator!=(const cImgType& i_other) const { return m_typeId != i_other.m_typeId; }
 
 Q_SIGNALS:
-    /** The automatic range of a display has moved. */
+    /**
+     * The automatic range of a display has moved, to this range before it was limited. Emitted by
+     * `adjustRange`, on the thread that renders.
+     */
     void rangeChanged(const cDblRange& i_range);
 
 protected:
@@ -136,8 +167,53 @@ protected:
     bool convertImage(
         const cImg& i_source, const cImgType& i_target, cImg& io_result, const cMapObj* i_params) const;
 
+    /**
+     * The automatic range of a display, from the pixels of an image that is about to be shown. Does nothing
+     * unless the parameter "AutoRange/Use" is set.
+     *
+     * The range becomes the least to the greatest pixel of the image without its borders; of several channels
+     * those of the first one. With a positive quantile, that fraction of the pixels is cut off at both ends
+     * instead: of UInt8, UInt16 and SInt16 by the histogram of the pixels, of RGB types by that of their
+     * luminance. Other types keep the extremes. If this is not the range already, it enters the history,
+     * where it has one, its high end raised by 1, and the range becomes the mean of the history.
+     * `rangeChanged` is emitted.
+     *
+     * @throws std::runtime_error as cMinMaxFunctor does, for types that it does not take and for borders that
+     * leave nothing of the image
+     */
+    virtual void adjustRange(const cImg& i_image);
+    /** Takes a range into the history of whole numbers, if there is to be one, and announces it or the mean.
+     */
+    void followRange(double i_low, double i_high);
+    /** Sets the range and emits what it was before it was limited. */
+    void announceRange(double i_low, double i_high);
+    /** Memory for counting pixels, kept from frame to frame. */
+    QVarLengthArray<unsigned char, 256>& histogramWork() { return m_histogramWork; }
+
+    /**
+     * Makes `io_out` an indexed picture of the image's size, with undefined pixels and a grey ramp; kept if
+     * it is one already, whatever its colours. Null if there can be no such picture.
+     */
+    void makeDisplayImageHelper(const cImg& i_image, QImage& io_out) const;
+    /**
+     * The same, and makes the scratch an image of the given one's type and size with 1 channel: for types
+     * that compute in an image before they write the picture.
+     */
+    void makeDisplayImageHelperIPP(const cImg& i_image, QImage& io_out) const;
+    /** An image that is kept from call to call, with undefined pixels after it was remade. */
+    cImg& displayScratch(ImageTypes i_type, unsigned i_width, unsigned i_height) const;
+    /**
+     * Maps all bytes of a picture, alpha too, by the gamma table; of an indexed picture the bytes and not its
+     * colours. Only if the range is fixed, not automatic.
+     *
+     * The table is made anew after `setGamma` and whenever the range was set, but not after `setParams`.
+     */
+    void applyGamma(QImage& io_out);
+
     /** Index of the style in the list, limited to the last channel. */
     unsigned getStyleID() const;
+    /** The same without a limit, for types whose styles are no channels. */
+    unsigned getStyleIndex() const { return m_styleIndex; }
     /** For types with a fixed number of channels. The first style becomes the present one. */
     void setFixedChannels(unsigned i_channels, const QStringList& i_styles);
 
@@ -158,6 +234,10 @@ private:
      * channels ignore the argument.
      */
     virtual void setNumChannels(unsigned i_channels);
+    /** The image without its borders; void if nothing is left. */
+    cImg autoRangeRegion(const cImg& i_image) const;
+
+    void limitRange(const cDblRange& i_range);
 
     unsigned m_elementSize = 0;
     cDblRange m_maxRange;
@@ -169,4 +249,10 @@ private:
     QStringList m_styleList; ///< Empty for a type with any number of channels, whose styles are its channels.
     QString m_name;
     double m_gamma = 1.0;
+    cRangeHistory<int> m_rangeHistory;
+    QVarLengthArray<unsigned char, 256> m_histogramWork;
+    bool m_gammaTableDirty = true;
+    QVector<int> m_gammaOutput; ///< 256 bytes once they are needed.
+    QVector<int> m_gammaInput; ///< The bytes in their order, likewise.
+    mutable std::unique_ptr<cImg> m_displayScratch;
 };

@@ -13,6 +13,12 @@ public:
     unsigned getChannelPixelSize() const override;
     QString pixelToString(const unsigned char* i_pixel, bool i_hexadecimal) const override;
     QSize getPixelStringSize(const QFont& i_font, bool i_hexadecimal) const override;
+    /**
+     * By default hue is the angle and value the magnitude, as a share of the greatest in the left half of the
+     * image; the other styles stretch one component over all grey values. "useLog" takes logarithms first,
+     * "moveCenter" puts the four quadrants of a spectrum in order.
+     */
+    QImage makeDisplayImage(const cImg& i_image) override;
     cMapObj getParams() const override;
     void setParams(const cMapObj& i_params) override;
     /** Takes a `cFltComplex`. */

@@ -17,6 +17,11 @@ public:
     unsigned getPixelSize() const override;
     QString pixelToString(const unsigned char* i_pixel, bool i_hexadecimal) const override;
     QSize getPixelStringSize(const QFont& i_font, bool i_hexadecimal) const override;
+    /**
+     * One component, the magnitude, 64 directions in four steps of magnitude, or the direction's projection
+     * on "angle" (in degrees; "absolute" shows its amount). "factor" has no effect.
+     */
+    QImage makeDisplayImage(const cImg& i_image) override;
     cMapObj getParams() const override;
     void setParams(const cMapObj& i_params) override;
     /** Takes a `T`. */
@@ -24,6 +29,8 @@ public:
 
 protected:
     explicit cImgTypeGradient(ImageTypes i_type);
+    /** Dx or Dy, by the style, as an indexed picture: the range's low end is black, its high end white. */
+    virtual void makeComponentImage(const cImg& i_image, QImage& io_out);
 
 private:
     void setNumChannels(unsigned i_channels) override;

@@ -8,6 +8,9 @@ public:
     unsigned getChannelPixelSize() const override;
     QString pixelToString(const unsigned char* i_pixel, bool i_hexadecimal) const override;
     QSize getPixelStringSize(const QFont& i_font, bool i_hexadecimal) const override;
+    /** The colours, or one component as an indexed picture. The factors of the colour correction act on the
+     * colours alone. */
+    QImage makeDisplayImage(const cImg& i_image) override;
     cMapObj getParams() const override;
     void setParams(const cMapObj& i_params) override;
     unsigned getPixelSize() const override;

@@ -12,6 +12,9 @@ template <class T> class TARNIMG_EXPORT cImgTypeScalar : public cImgType {
 public:
     QString pixelToString(const unsigned char* i_pixel, bool i_hexadecimal) const override;
     QSize getPixelStringSize(const QFont& i_font, bool i_hexadecimal) const override;
+    /** Black is the range's low end, white its high end; `SInt64` alone shows the low byte of the distance
+     * from the low end. */
+    QImage makeDisplayImage(const cImg& i_image) override;
     /** Takes what converts to a number; the value goes into every channel. */
     void fill(cImg& io_image, const QVariant& i_value) const override;
 

@@ -11,6 +11,7 @@ public:
     cImgTypeUInt8();
     bool convertTo(const cImg& i_source, const cImgType& i_target, cImg& io_result,
         const cMapObj* i_params) const override;
+    QImage makeDisplayImage(const cImg& i_image) override;
     cMapObj getParams() const override;
     void setParams(const cMapObj& i_params) override;
 

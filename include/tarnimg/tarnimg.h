@@ -39,6 +39,7 @@
 #include <tarnimg/cImgTypeUInt32.h>
 #include <tarnimg/cImgTypeUInt8.h>
 #include <tarnimg/cOPortImg.h>
+#include <tarnimg/cRangeHistory.h>
 #include <tarnimg/cSupportedImages.h>
 #include <tarnimg/cValueStationT.h>
 #include <tarnimg/cWorkMemory.h>

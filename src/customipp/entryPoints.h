@@ -323,6 +323,47 @@
             customipp::kernels##op(), {{pSrc, srcStep}, {}, {}, roiSize}, counts, {lowerBound, upperBound}); \
     }
 
+#undef CUSTOMIPP_TWIST
+#define CUSTOMIPP_TWIST(symbol, op, T, channels)                                                             \
+    IppStatus symbol(                                                                                        \
+        const T* pSrc, int srcStep, T* pDst, int dstStep, IppiSize roiSize, const Ipp32f twist[3][4])        \
+    {                                                                                                        \
+        return customipp::runTwist<channels>(                                                                \
+            customipp::kernels##op(), {pSrc, srcStep}, {pDst, dstStep}, roiSize, twist);                     \
+    }
+
+#undef CUSTOMIPP_COLOUR_KEY
+#define CUSTOMIPP_COLOUR_KEY(symbol, op, T)                                                                  \
+    IppStatus symbol(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst, int dstStep,       \
+        IppiSize roiSize, T colorKey)                                                                        \
+    {                                                                                                        \
+        return customipp::runColourKey<T, 1>(customipp::kernels##op(), {pSrc1, src1Step}, {pSrc2, src2Step}, \
+            {pDst, dstStep}, roiSize, &colorKey);                                                            \
+    }
+
+#undef CUSTOMIPP_COLOUR_KEYS
+#define CUSTOMIPP_COLOUR_KEYS(symbol, op, T, channels)                                                       \
+    IppStatus symbol(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst, int dstStep,       \
+        IppiSize roiSize, T colorKey[channels])                                                              \
+    {                                                                                                        \
+        return customipp::runColourKey<T, channels>(customipp::kernels##op(), {pSrc1, src1Step},             \
+            {pSrc2, src2Step}, {pDst, dstStep}, roiSize, colorKey);                                          \
+    }
+
+#undef CUSTOMIPP_PACKED_TO_PLANES
+#define CUSTOMIPP_PACKED_TO_PLANES(symbol, op, T)                                                            \
+    IppStatus symbol(const T* pSrc, int srcStep, T* pDst[3], int dstStep[3], IppiSize roiSize)               \
+    {                                                                                                        \
+        return customipp::runToPlanes(customipp::kernels##op(), {pSrc, srcStep}, pDst, dstStep, roiSize);    \
+    }
+
+#undef CUSTOMIPP_PLANES_TO_PACKED
+#define CUSTOMIPP_PLANES_TO_PACKED(symbol, op, T)                                                            \
+    IppStatus symbol(const T* pSrc[3], int srcStep[3], T* pDst, int dstStep, IppiSize roiSize)               \
+    {                                                                                                        \
+        return customipp::runToPacked(customipp::kernels##op(), pSrc, srcStep, {pDst, dstStep}, roiSize);    \
+    }
+
 #undef CUSTOMIPP_SIGNAL_COPY
 #define CUSTOMIPP_SIGNAL_COPY(symbol, op, T)                                                                 \
     IppStatus symbol(const T* pSrc, T* pDst, int len) { return customipp::runSignalCopy(pSrc, pDst, len); }

@@ -9,6 +9,7 @@
 #include <tarnimg/cImgTypeUInt8.h>
 
 #include <QFont>
+#include <QImage>
 #include <algorithm>
 #include <cstring>
 #include <limits>
@@ -22,6 +23,7 @@ public:
     cImgTypeInvalid() : cImgType(0, Invalid, cDblRange()) {}
     QString pixelToString(const unsigned char*, bool) const override { return {}; }
     QSize getPixelStringSize(const QFont&, bool) const override { return {}; }
+    QImage makeDisplayImage(const cImg&) override { return {}; }
     void fill(cImg&, const QVariant&) const override {}
 };
 

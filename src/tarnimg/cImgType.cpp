@@ -2,6 +2,7 @@
 
 #include "typeParams.h"
 
+#include <tarnimg/cImageTypeFactory.h>
 #include <tarnimg/cImg.h>
 
 #include <QMetaEnum>
@@ -54,6 +55,26 @@ cImgType::cImgType(unsigned i_elementSize, ImageTypes i_type, const cDblRange& i
 
 cImgType::~cImgType() = default;
 
+std::unique_ptr<cImgType> cImgType::clone() const
+{
+    std::unique_ptr<cImgType> copy(cImageTypeFactory::create(m_typeId, m_numChannels));
+    if (!copy)
+        return nullptr;
+    copy->setParams(getParams());
+    // Not every type shows all of these in its parameters, and limiting a range twice can move it.
+    copy->m_range = m_range;
+    copy->m_useAutoRange = m_useAutoRange;
+    copy->m_bufferSize = m_bufferSize;
+    copy->m_quantile = m_quantile;
+    copy->m_borderLeft = m_borderLeft;
+    copy->m_borderTop = m_borderTop;
+    copy->m_borderRight = m_borderRight;
+    copy->m_borderBottom = m_borderBottom;
+    copy->m_style = m_style;
+    copy->m_styleIndex = m_styleIndex;
+    return copy;
+}
+
 bool cImgType::convertTo(const cImg&, const cImgType&, cImg&, const cMapObj*) const { return false; }
 
 unsigned cImgType::getPixelSize() const { return m_numChannels * m_elementSize; }
@@ -91,10 +112,16 @@ void cImgType::setParams(const cMapObj& i_params)
     typeParams::read(i_params, "AutoRange/BorderBottom", m_borderBottom);
     if (!(m_gamma > 0.0))
         m_gamma = 1.0;
-    setRange(range);
+    limitRange(range);
 }
 
 void cImgType::setRange(const cDblRange& i_range)
+{
+    m_gammaTableDirty = true;
+    limitRange(i_range);
+}
+
+void cImgType::limitRange(const cDblRange& i_range)
 {
     const double least = m_maxRange.getLow();
     const double greatest = m_maxRange.getHigh();
@@ -106,7 +133,11 @@ void cImgType::setRange(const cDblRange& i_range)
     m_range = cDblRange(raised.getLow(), raised.getHigh() <= greatest ? raised.getHigh() : greatest);
 }
 
-void cImgType::setGamma(double i_gamma) { m_gamma = i_gamma > 0.0 ? i_gamma : 1.0; }
+void cImgType::setGamma(double i_gamma)
+{
+    m_gammaTableDirty = true;
+    m_gamma = i_gamma > 0.0 ? i_gamma : 1.0;
+}
 
 QStringList cImgType::getStyleList() const
 {

@@ -2,12 +2,13 @@
 
 #include <tarnimg/cImg.h>
 
+#include "display/picture.h"
+
 #include <customipp/customipp.h>
 #include <tarnbase/cTracer.h>
 #include <tarnimg/cImgIO.h>
 
 #include <QImage>
-#include <QVector>
 #include <algorithm>
 #include <cstring>
 
@@ -22,20 +23,11 @@ void swapRedAndBlue(unsigned char* io_pixels, unsigned i_step, int i_width, int 
     ippiSwapChannels_8u_C4IR(io_pixels, int(i_step), {i_width, i_height}, order);
 }
 
-QVector<QRgb> greyTable()
-{
-    QVector<QRgb> table(256);
-    for (int i = 0; i < table.size(); ++i)
-        table[i] = qRgb(i, i, i);
-    return table;
-}
-
 QImage emptyLike(const cImg& i_image, QImage::Format i_format)
 {
-    QImage out(i_image.getSize(), i_format);
-    if (i_format == QImage::Format_Indexed8 && !out.isNull())
-        out.setColorTable(greyTable());
-    return out;
+    return i_format == QImage::Format_Indexed8
+        ? display::newIndexedPicture(i_image.getSize(), display::greyRamp())
+        : display::newPicture(i_image.getSize(), i_format);
 }
 
 /** Copies the bytes of all rows. */
@@ -45,6 +37,18 @@ QImage copyOf(const cImg& i_image, QImage::Format i_format)
     const std::size_t rowBytes = std::size_t(i_image.getWidth()) * (out.depth() / 8);
     for (int y = 0; y < out.height(); ++y)
         std::memcpy(out.scanLine(y), i_image.getRow<unsigned char>(unsigned(y)), rowBytes);
+    return out;
+}
+
+/** Row by row: each is swapped while it is in the cache. */
+QImage swappedCopyOf(const cImg& i_image)
+{
+    QImage out = emptyLike(i_image, QImage::Format_ARGB32);
+    for (int y = 0; y < out.height(); ++y) {
+        uchar* row = out.scanLine(y);
+        std::memcpy(row, i_image.getRow<unsigned char>(unsigned(y)), std::size_t(out.width()) * 4);
+        swapRedAndBlue(row, unsigned(out.bytesPerLine()), out.width(), 1);
+    }
     return out;
 }
 
@@ -80,12 +84,8 @@ QImage cImg::toQImage() const
     switch (getImgType().getTypeId()) {
     case cImgType::RGB24:
         return copyOf(*this, QImage::Format_RGB888);
-    case cImgType::RGB32: {
-        QImage out = copyOf(*this, QImage::Format_ARGB32);
-        if (!out.isNull())
-            swapRedAndBlue(out.bits(), unsigned(out.bytesPerLine()), out.width(), out.height());
-        return out;
-    }
+    case cImgType::RGB32:
+        return swappedCopyOf(*this);
     case cImgType::UInt8:
         return copyOf(*this, QImage::Format_Indexed8);
     case cImgType::UInt16:

@@ -8,7 +8,7 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
-#include "planes-inl.h"
+#include "quarters-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace customipp {
@@ -18,9 +18,6 @@ namespace {
 // Quotients go through floats, of which each vector holds a quarter of the pixels. Quarter k of bytes is byte
 // k of the 32-bit lanes; of bytes that were widened to even and odd lanes of 16 bits, it is a half of the
 // lanes of either.
-
-/** Added to a number from 0 to 255 this leaves it in the low byte, rounded to nearest with ties to even. */
-constexpr float integerInFloat = 12582912.0f; // 1.5 * 2^23
 
 /** Numbers of 16 bits that belong to even and odd bytes. */
 template <class V16> struct Halves {
@@ -44,16 +41,6 @@ template <int K, class V16> HWY_INLINE auto quarter(Halves<V16> v)
     return hn::ConvertTo(df, hn::And(half, hn::Set(d32, K < 2 ? 0x0000FFFF : int32_t(0xFFFF0000))));
 }
 
-/** The low bytes of four quarters to their places; the byte above each is 0. */
-template <class D, class VF> HWY_INLINE hn::Vec<D> joinQuarters(D d, VF q0, VF q1, VF q2, VF q3)
-{
-    const hn::Repartition<uint16_t, D> d16;
-    const hn::Repartition<uint32_t, D> d32;
-    const auto lower = hn::Or(hn::BitCast(d32, q0), hn::ShiftLeft<8>(hn::BitCast(d32, q1)));
-    const auto upper = hn::Or(hn::BitCast(d32, q2), hn::ShiftLeft<8>(hn::BitCast(d32, q3)));
-    return hn::BitCast(d, hn::OddEven(hn::BitCast(d16, hn::ShiftLeft<16>(upper)), hn::BitCast(d16, lower)));
-}
-
 /** factor * a / b, rounded. The product is exact, and so the quotient lies on a tie only where it should. */
 template <int K, class V16> HWY_INLINE auto roundedRatio(float factor, Halves<V16> a, Halves<V16> b)
 {
@@ -65,7 +52,7 @@ template <int K, class V16> HWY_INLINE auto roundedRatio(float factor, Halves<V1
 template <class D, class V16>
 HWY_INLINE hn::Vec<D> roundedRatios(D d, float factor, Halves<V16> a, Halves<V16> b)
 {
-    return joinQuarters(d, roundedRatio<0>(factor, a, b), roundedRatio<1>(factor, a, b),
+    return planeOfQuarters(d, roundedRatio<0>(factor, a, b), roundedRatio<1>(factor, a, b),
         roundedRatio<2>(factor, a, b), roundedRatio<3>(factor, a, b));
 }
 
@@ -76,7 +63,7 @@ HWY_INLINE hn::Vec<D> roundedRatios(D d, float factor, Halves<V16> a, Halves<V16
 alignas(16) constexpr uint8_t sectorOf[16] = {0, 1, 5, 0, 0, 2, 4, 3};
 
 struct RGBToHSV {
-    template <class D> static HWY_INLINE Planes<D> vector(D d, Planes<D> rgb)
+    template <class D> HWY_INLINE Planes<D> vector(D d, Planes<D> rgb) const
     {
         const auto r = rgb.first, g = rgb.second, b = rgb.third;
         const auto greatest = hn::Max(hn::Max(r, g), b), least = hn::Min(hn::Min(r, g), b);
@@ -99,7 +86,7 @@ struct RGBToHSV {
             hn::IfThenZeroElse(grey, roundedRatios(d, 255.0f, spans, widen(d, greatest))), greatest};
     }
 
-    static void pixel(const uint8_t* from, uint8_t* to)
+    void pixel(const uint8_t* from, uint8_t* to) const
     {
         const int r = from[0], g = from[1], b = from[2];
         const int greatest = std::max({r, g, b}), span = greatest - std::min({r, g, b});
@@ -134,7 +121,7 @@ struct HSVToRGB {
     static constexpr int third = 85; // of the hues; 255 is 0 again
     static constexpr int whole = 255 * third; // saturation times the greatest distance within a third
 
-    template <class D> static HWY_INLINE Planes<D> vector(D d, Planes<D> hsv)
+    template <class D> HWY_INLINE Planes<D> vector(D d, Planes<D> hsv) const
     {
         const auto h = hsv.first, s = hsv.second, v = hsv.third;
         const auto thirds = hn::Set(d, third);
@@ -154,7 +141,7 @@ struct HSVToRGB {
         const Halves<decltype(values.even)> shares {
             hn::Sub(wholes, hn::Mul(saturations.even, distances.even)),
             hn::Sub(wholes, hn::Mul(saturations.odd, distances.odd))};
-        const auto between = joinQuarters(d, middleOf<0>(values, shares), middleOf<1>(values, shares),
+        const auto between = planeOfQuarters(d, middleOf<0>(values, shares), middleOf<1>(values, shares),
             middleOf<2>(values, shares), middleOf<3>(values, shares));
 
         const auto secondHalf = hn::Lt(thirds, twice);
@@ -188,7 +175,7 @@ struct HSVToRGB {
         return hn::MulAdd(product, hn::Set(df, 1.0f / (float(whole) * scale)), hn::Set(df, integerInFloat));
     }
 
-    static void pixel(const uint8_t* from, uint8_t* to)
+    void pixel(const uint8_t* from, uint8_t* to) const
     {
         const int h = from[0] == 255 ? 0 : from[0], s = from[1], v = from[2];
         const int sixth = 2 * h / third, part = 2 * h % third;
@@ -207,8 +194,8 @@ struct HSVToRGB {
 template <size_t Channels, class Op> void everyRow(const Move& move)
 {
     for (size_t y = 0; y < move.area.height; ++y)
-        colourRow<Channels, Op>(
-            hn::ScalableTag<uint8_t>(), move.src.row(y), move.dst.row(y), move.area.width);
+        colourRow<Channels>(
+            hn::ScalableTag<uint8_t>(), Op(), move.src.row(y), move.dst.row(y), move.area.width);
 }
 
 constexpr PixelKernels s_toHSV {everyRow<3, RGBToHSV>, everyRow<4, RGBToHSV>};

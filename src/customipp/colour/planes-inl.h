@@ -51,22 +51,28 @@ template <size_t Channels, size_t Part, class D> HWY_INLINE hn::Vec<D> loadApart
     return reorder(d, hn::LoadU(d, from + Part * Channels * (size / 4) - 4 * skip), order);
 }
 
-/** Lanes(d) pixels of three or four bytes; a fourth channel is not looked at. */
-template <size_t Channels, class D> HWY_INLINE Planes<D> loadPlanes(D d, const uint8_t* from)
+/** The planes of four quarters, each of which has in each block four of every channel. */
+template <class D>
+HWY_INLINE Planes<D> planesOf(D d, hn::Vec<D> q0, hn::Vec<D> q1, hn::Vec<D> q2, hn::Vec<D> q3)
 {
     const hn::Repartition<uint32_t, D> d32;
     const hn::Repartition<uint64_t, D> d64;
-    const auto q0 = hn::BitCast(d32, loadApart<Channels, 0>(d, from));
-    const auto q1 = hn::BitCast(d32, loadApart<Channels, 1>(d, from));
-    const auto q2 = hn::BitCast(d32, loadApart<Channels, 2>(d, from));
-    const auto q3 = hn::BitCast(d32, loadApart<Channels, 3>(d, from));
-    const auto lower01 = hn::BitCast(d64, hn::InterleaveLower(d32, q0, q1));
-    const auto lower23 = hn::BitCast(d64, hn::InterleaveLower(d32, q2, q3));
-    const auto upper01 = hn::BitCast(d64, hn::InterleaveUpper(d32, q0, q1));
-    const auto upper23 = hn::BitCast(d64, hn::InterleaveUpper(d32, q2, q3));
-    return {hn::BitCast(d, hn::InterleaveLower(d64, lower01, lower23)),
-        hn::BitCast(d, hn::InterleaveUpper(d64, lower01, lower23)),
-        hn::BitCast(d, hn::InterleaveLower(d64, upper01, upper23))};
+    const auto a = hn::BitCast(d32, q0), b = hn::BitCast(d32, q1);
+    const auto c = hn::BitCast(d32, q2), e = hn::BitCast(d32, q3);
+    const auto lowerAB = hn::BitCast(d64, hn::InterleaveLower(d32, a, b));
+    const auto lowerCE = hn::BitCast(d64, hn::InterleaveLower(d32, c, e));
+    const auto upperAB = hn::BitCast(d64, hn::InterleaveUpper(d32, a, b));
+    const auto upperCE = hn::BitCast(d64, hn::InterleaveUpper(d32, c, e));
+    return {hn::BitCast(d, hn::InterleaveLower(d64, lowerAB, lowerCE)),
+        hn::BitCast(d, hn::InterleaveUpper(d64, lowerAB, lowerCE)),
+        hn::BitCast(d, hn::InterleaveLower(d64, upperAB, upperCE))};
+}
+
+/** Lanes(d) pixels of three or four bytes; a fourth channel is not looked at. */
+template <size_t Channels, class D> HWY_INLINE Planes<D> loadPlanes(D d, const uint8_t* from)
+{
+    return planesOf(d, loadApart<Channels, 0>(d, from), loadApart<Channels, 1>(d, from),
+        loadApart<Channels, 2>(d, from), loadApart<Channels, 3>(d, from));
 }
 
 /**
@@ -141,25 +147,25 @@ template <size_t Channels, class D> HWY_INLINE void storePlanes(D d, Planes<D> p
 }
 
 /**
- * Covers a row of n pixels by Op::vector on planes; a row shorter than the shortest vector goes by Op::pixel.
- * The last vector ends with the row: it is computed before the others are stored, so that the row may be its
- * own destination.
+ * Covers a row of n pixels by op.vector(d, planes); a row shorter than the shortest vector goes by
+ * op.pixel(from, to). The last vector ends with the row: it is computed before the others are stored, so that
+ * the row may be its own destination.
  */
 template <size_t Channels, class Op, class D>
-HWY_INLINE void colourRow(D d, const uint8_t* src, uint8_t* dst, size_t n)
+HWY_INLINE void colourRow(D d, const Op& op, const uint8_t* src, uint8_t* dst, size_t n)
 {
     const size_t step = hn::Lanes(d);
     if (n >= step) {
-        const auto last = Op::vector(d, loadPlanes<Channels>(d, src + Channels * (n - step)));
-        for (size_t x = 0; x + step < n; x += step)
-            storePlanes<Channels>(
-                d, Op::vector(d, loadPlanes<Channels>(d, src + Channels * x)), dst + Channels * x);
-        storePlanes<Channels>(d, last, dst + Channels * (n - step));
+        const size_t end = Channels * (n - step);
+        const auto last = op.vector(d, loadPlanes<Channels>(d, src + end));
+        for (size_t i = 0; i < end; i += Channels * step)
+            storePlanes<Channels>(d, op.vector(d, loadPlanes<Channels>(d, src + i)), dst + i);
+        storePlanes<Channels>(d, last, dst + end);
     } else if constexpr (hn::MaxLanes(d) > 16) {
-        colourRow<Channels, Op>(hn::Half<D>(), src, dst, n);
+        colourRow<Channels>(hn::Half<D>(), op, src, dst, n);
     } else {
         for (size_t x = 0; x < n; ++x)
-            Op::pixel(src + Channels * x, dst + Channels * x);
+            op.pixel(src + Channels * x, dst + Channels * x);
     }
 }
 

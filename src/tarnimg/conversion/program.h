@@ -32,7 +32,7 @@ template <class Byte> struct Rows {
     Byte* first;
     qint64 pitch;
 
-    Rows at(qint64 i_x, qint64 i_y, int i_pixelBytes) const
+    Rows at(qint64 i_x, qint64 i_y, qint64 i_pixelBytes) const
     {
         return {first + i_y * pitch + i_x * i_pixelBytes, pitch};
     }
@@ -62,6 +62,8 @@ public:
     using Change = std::function<void(const Tile&, TargetRows)>;
 
     explicit Program(const cImg& i_source);
+    /** For pixels of another size than `routePixelBytes`. */
+    Program(const cImg& i_source, qint64 i_sourceBytes);
 
     /** Appends a step. @param i_pixelBytes bytes of a pixel behind it */
     void move(int i_pixelBytes, Move i_function);
@@ -82,6 +84,8 @@ public:
 
     /** Writes the result, which has the size of the source and is detached. */
     void run(cImg& io_result) const;
+    /** The same into any memory, which does not overlap the source. */
+    void run(TargetRows io_result) const;
 
 private:
     struct Step {
@@ -89,13 +93,15 @@ private:
         int pixelBytes;
     };
 
+    /** How many pixels, at each step of the program, take no more than so many bytes; at least one. */
+    int pixelsWithin(qint64 i_bytes) const;
     int pixelsPerTile() const;
     void runTile(const Tile& i_tile, SourceRows i_source, TargetRows i_result) const;
 
     SourceRows m_source;
     qint64 m_width;
     qint64 m_height;
-    int m_sourceBytes; ///< Of a pixel of the source.
+    qint64 m_sourceBytes; ///< Of a pixel of the source.
     int m_pixelBytes; ///< Of a pixel behind the last step.
     bool m_cancelled = false;
     bool m_fromResult = false;

@@ -1,0 +1,102 @@
+#include "pixelCases.h"
+
+#include <hwy/tests/hwy_gtest.h>
+
+namespace {
+
+using Matrix = Ipp32f[3][4];
+
+constexpr Matrix s_sepia {
+    {0.393f, 0.769f, 0.189f, 0}, {0.349f, 0.686f, 0.168f, 0}, {0.272f, 0.534f, 0.131f, 0}};
+constexpr Matrix s_video {
+    {1.164f, 0, 1.596f, -222.921f}, {1.164f, -0.392f, -0.813f, 135.576f}, {1.164f, 2.017f, 0, -276.836f}};
+constexpr Matrix s_identity {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}};
+
+} // namespace
+
+namespace oracle {
+
+/** The matrix that the oracle works with. */
+static const Matrix* s_matrix = &s_sepia;
+
+struct ColorTwist {
+    static void pixel(const Ipp8u* i_from, Ipp8u* o_to)
+    {
+        const float c[3] = {float(i_from[0]), float(i_from[1]), float(i_from[2])};
+        for (int i = 0; i < 3; ++i) {
+            const float* t = (*s_matrix)[i];
+            const float products[3] = {t[0] * c[0], t[1] * c[1], t[2] * c[2]};
+            const float v = ((products[0] + products[1]) + products[2]) + t[3];
+            o_to[i] = std::isnan(v) ? Ipp8u(0) : Ipp8u(std::nearbyint(std::min(std::max(v, 0.0f), 255.0f)));
+        }
+    }
+};
+
+} // namespace oracle
+
+namespace {
+
+/** Runs each case once for every instruction set that is compiled in. */
+class colorTwistTest : public hwy::TestWithParamTarget {};
+HWY_TARGET_INSTANTIATE_TEST_SUITE_P(colorTwistTest);
+
+void expectMatrix(const Matrix& i_matrix)
+{
+    oracle::s_matrix = &i_matrix;
+#define CUSTOMIPP_TWIST_CASE(check, symbol, channels)                                                        \
+    pixels::check<oracle::ColorTwist>(                                                                       \
+        #symbol, channels, [&](const Ipp8u* src, int srcStep, Ipp8u* dst, int dstStep, IppiSize size) {      \
+            return symbol(src, srcStep, dst, dstStep, size, i_matrix);                                       \
+        });
+#undef CUSTOMIPP_TWIST
+#define CUSTOMIPP_TWIST(symbol, op, T, channels)                                                             \
+    CUSTOMIPP_TWIST_CASE(expectPixels, symbol, channels)                                                     \
+    CUSTOMIPP_TWIST_CASE(expectNothingBeyondMemory, symbol, channels)
+#include <customipp/colorTwist.def>
+}
+
+TEST_P(colorTwistTest, EveryVariantGivesTheOraclesPixels)
+{
+    expectMatrix(s_sepia);
+    expectMatrix(s_video);
+}
+
+TEST_P(colorTwistTest, NumbersWithoutBoundAndWithoutValueEndInTheRange)
+{
+    const float inf = std::numeric_limits<float>::infinity(), nan = std::numeric_limits<float>::quiet_NaN();
+    expectMatrix({{inf, 0, 0, 0}, {-inf, 1, 0, 0}, {0, 0, 1, inf}});
+    expectMatrix({{nan, 0, 0, 0}, {0, -nan, 1, 5}, {0, 0, 1, -nan}});
+    expectMatrix({{3e38f, 3e38f, -3e38f, 0}, {-3e38f, -3e38f, 3e38f, 0}, {1e-45f, 1e-45f, 1e-45f, 0.5f}});
+    expectMatrix({{1e9f, 0, 0, 0}, {-1e9f, 0, 0, 0}, {0, 0, 0, 4294967296.0f}});
+}
+
+TEST_P(colorTwistTest, TiesGoToTheEvenNumberAndTheIdentityCopies)
+{
+    const Matrix half {{1, 0, 0, 0.5f}, {0, 1, 0, 0.5f}, {0, 0, 1, -0.5f}};
+    expectMatrix(half);
+    const Ipp8u from[12] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 254, 255, 255};
+    Ipp8u to[12];
+    ASSERT_EQ(ippiColorTwist32f_8u_C3R(from, 12, to, 12, {4, 1}, half), ippStsNoErr);
+    const Ipp8u expected[12] = {0, 2, 2, 4, 4, 4, 6, 8, 8, 254, 255, 254};
+    EXPECT_TRUE(std::equal(to, to + 12, expected));
+    expectMatrix(s_identity);
+    expectMatrix({{0, 0, 0, 12.5f}, {0, 0, 0, 13.5f}, {0, 0, 0, -3}});
+}
+
+TEST_P(colorTwistTest, EveryColourIsTwisted)
+{
+    const auto twistBy = [](const Matrix& matrix) {
+        return [&matrix](const Ipp8u* src, int srcStep, Ipp8u* dst, int dstStep, IppiSize size) {
+            return ippiColorTwist32f_8u_C3R(src, srcStep, dst, dstStep, size, matrix);
+        };
+    };
+    EXPECT_EQ(pixels::checksumOfEveryColour(twistBy(s_sepia)), 0x3844dbfcu);
+    EXPECT_EQ(pixels::checksumOfEveryColour(twistBy(s_video)), 0x6201996au);
+    EXPECT_EQ(pixels::checksumOfEveryColourWithAlpha(
+                  [](const Ipp8u* src, int srcStep, Ipp8u* dst, int dstStep, IppiSize size) {
+                      return ippiColorTwist32f_8u_AC4R(src, srcStep, dst, dstStep, size, s_sepia);
+                  }),
+        0x3844dbfcu);
+}
+
+} // namespace
