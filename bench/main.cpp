@@ -134,6 +134,7 @@ void registerGraph();
 void registerHistograms();
 void registerStatistics();
 void registerTemplateMatch();
+void registerStatisticsLocal();
 
 int main(int i_count, char** i_arguments)
 {
@@ -147,6 +148,7 @@ int main(int i_count, char** i_arguments)
     registerHistograms();
     registerStatistics();
     registerTemplateMatch();
+    registerStatisticsLocal();
     registerGraph();
     MarkdownReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);

@@ -43,6 +43,7 @@ CUSTOMIPP_EXPORT void ippsFree(void* ptr);
 #include <customipp/addSquare.def>
 #include <customipp/colorTwist.def>
 #include <customipp/compColorKey.def>
+#include <customipp/blockMinMax.def>
 #include <customipp/convert.def>
 #include <customipp/copy.def>
 #include <customipp/copyChannel.def>
@@ -56,6 +57,8 @@ CUSTOMIPP_EXPORT void ippsFree(void* ptr);
 #include <customipp/hsvToRGB.def>
 #include <customipp/ln.def>
 #include <customipp/lut.def>
+#include <customipp/findPeaks.def>
+#include <customipp/integral.def>
 #include <customipp/maxEvery.def>
 #include <customipp/meanStdDev.def>
 #include <customipp/minEvery.def>
@@ -66,11 +69,13 @@ CUSTOMIPP_EXPORT void ippsFree(void* ptr);
 #include <customipp/normDiff.def>
 #include <customipp/polar.def>
 #include <customipp/reduceBits.def>
+#include <customipp/rectStdDev.def>
 #include <customipp/rgbToGray.def>
 #include <customipp/rgbToHSV.def>
 #include <customipp/set.def>
 #include <customipp/signal.def>
 #include <customipp/sqrDistanceNorm.def>
+#include <customipp/sqrIntegral.def>
 #include <customipp/sub.def>
 #include <customipp/subC.def>
 #include <customipp/swapChannels.def>

@@ -122,6 +122,30 @@
 #define CUSTOMIPP_MIN_MAX(symbol, op, T, channels)                                                           \
     CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
         const T* pSrc, int srcStep, IppiSize roiSize, T pMin[channels], T pMax[channels]);
+/* Sums over all that lies above and to the left; of the squares, too. */
+#define CUSTOMIPP_INTEGRAL(symbol, op, S, D)                                                                 \
+    CUSTOMIPP_EXPORT IppStatus symbol(const S* pSrc, int srcStep, D* pDst, int dstStep, IppiSize srcRoiSize);
+#define CUSTOMIPP_INTEGRAL_OFFSET(symbol, op, S, D)                                                          \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
+        const S* pSrc, int srcStep, D* pDst, int dstStep, IppiSize srcRoiSize, D val);
+#define CUSTOMIPP_SQR_INTEGRAL(symbol, op, S, D, Q)                                                          \
+    CUSTOMIPP_EXPORT IppStatus symbol(const S* pSrc, int srcStep, D* pDst, int dstStep, Q* pSqr,             \
+        int sqrStep, IppiSize roiSize, D val, Q valSqr);
+
+/* Deviation under a rectangle, from integrals. */
+#define CUSTOMIPP_RECT_STD_DEV(symbol, op, S, Q, D)                                                          \
+    CUSTOMIPP_EXPORT IppStatus symbol(const S* pSrc, int srcStep, const Q* pSqr, int sqrStep, D* pDst,       \
+        int dstStep, IppiSize roiSize, IppiRect rect);
+/* Least and greatest pixel of each block and of all. */
+#define CUSTOMIPP_BLOCK_MIN_MAX(symbol, op, T)                                                               \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, IppiSize srcSize, T* pDstMin,              \
+        int dstMinStep, T* pDstMax, int dstMaxStep, IppiSize blockSize, T* pGlobalMin, T* pGlobalMax);
+/* Pixels above their neighbours, with the memory for the search. */
+#define CUSTOMIPP_FIND_PEAKS_SIZE(symbol, op)                                                                \
+    CUSTOMIPP_EXPORT IppStatus symbol(int roiWidth, int* pBufferSize);
+#define CUSTOMIPP_FIND_PEAKS(symbol, op, T)                                                                  \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, IppiSize roiSize, T threshold,             \
+        IppiPoint* pPeak, int maxPeakCount, int* pPeakCount, IppiNorm norm, int border, Ipp8u* pBuffer);
 
 /* Norms: an element for each channel; one channel of three, counted from 1; of the pixels of a mask. */
 #define CUSTOMIPP_NORM(symbol, op, T, channels)                                                              \

@@ -364,6 +364,65 @@
         return customipp::runToPacked(customipp::kernels##op(), pSrc, srcStep, {pDst, dstStep}, roiSize);    \
     }
 
+#undef CUSTOMIPP_INTEGRAL
+#define CUSTOMIPP_INTEGRAL(symbol, op, S, D)                                                                 \
+    IppStatus symbol(const S* pSrc, int srcStep, D* pDst, int dstStep, IppiSize srcRoiSize)                  \
+    {                                                                                                        \
+        return customipp::runIntegral<S, D>(                                                                 \
+            customipp::kernels##op(), {pSrc, srcStep}, {pDst, dstStep}, srcRoiSize);                         \
+    }
+
+#undef CUSTOMIPP_INTEGRAL_OFFSET
+#define CUSTOMIPP_INTEGRAL_OFFSET(symbol, op, S, D)                                                          \
+    IppStatus symbol(const S* pSrc, int srcStep, D* pDst, int dstStep, IppiSize srcRoiSize, D val)           \
+    {                                                                                                        \
+        return customipp::runIntegral<S, D>(                                                                 \
+            customipp::kernels##op(), {pSrc, srcStep}, {pDst, dstStep}, srcRoiSize, val);                    \
+    }
+
+#undef CUSTOMIPP_SQR_INTEGRAL
+#define CUSTOMIPP_SQR_INTEGRAL(symbol, op, S, D, Q)                                                          \
+    IppStatus symbol(const S* pSrc, int srcStep, D* pDst, int dstStep, Q* pSqr, int sqrStep,                 \
+        IppiSize roiSize, D val, Q valSqr)                                                                   \
+    {                                                                                                        \
+        return customipp::runSqrIntegral<S, D, Q>(customipp::kernels##op(), {pSrc, srcStep},                 \
+            {pDst, dstStep}, {pSqr, sqrStep}, roiSize, val, valSqr);                                         \
+    }
+
+#undef CUSTOMIPP_RECT_STD_DEV
+#define CUSTOMIPP_RECT_STD_DEV(symbol, op, S, Q, D)                                                          \
+    IppStatus symbol(const S* pSrc, int srcStep, const Q* pSqr, int sqrStep, D* pDst, int dstStep,           \
+        IppiSize roiSize, IppiRect rect)                                                                     \
+    {                                                                                                        \
+        return customipp::runRectStdDev<S>(                                                                  \
+            customipp::kernels##op(), {pSrc, srcStep}, {pSqr, sqrStep}, {pDst, dstStep}, roiSize, rect);     \
+    }
+
+#undef CUSTOMIPP_BLOCK_MIN_MAX
+#define CUSTOMIPP_BLOCK_MIN_MAX(symbol, op, T)                                                               \
+    IppStatus symbol(const T* pSrc, int srcStep, IppiSize srcSize, T* pDstMin, int dstMinStep, T* pDstMax,   \
+        int dstMaxStep, IppiSize blockSize, T* pGlobalMin, T* pGlobalMax)                                    \
+    {                                                                                                        \
+        return customipp::runBlockMinMax<T>(customipp::kernels##op(), {pSrc, srcStep}, srcSize,              \
+            {pDstMin, dstMinStep}, {pDstMax, dstMaxStep}, blockSize, pGlobalMin, pGlobalMax);                \
+    }
+
+#undef CUSTOMIPP_FIND_PEAKS_SIZE
+#define CUSTOMIPP_FIND_PEAKS_SIZE(symbol, op)                                                                \
+    IppStatus symbol(int roiWidth, int* pBufferSize)                                                         \
+    {                                                                                                        \
+        return customipp::sizeOfFindPeaks(roiWidth, pBufferSize);                                            \
+    }
+
+#undef CUSTOMIPP_FIND_PEAKS
+#define CUSTOMIPP_FIND_PEAKS(symbol, op, T)                                                                  \
+    IppStatus symbol(const T* pSrc, int srcStep, IppiSize roiSize, T threshold, IppiPoint* pPeak,            \
+        int maxPeakCount, int* pPeakCount, IppiNorm norm, int border, Ipp8u* pBuffer)                        \
+    {                                                                                                        \
+        return customipp::runFindPeaks<T>(customipp::kernels##op(), {pSrc, srcStep}, roiSize, threshold,     \
+            pPeak, maxPeakCount, pPeakCount, norm, border, pBuffer);                                         \
+    }
+
 #undef CUSTOMIPP_SIGNAL_COPY
 #define CUSTOMIPP_SIGNAL_COPY(symbol, op, T)                                                                 \
     IppStatus symbol(const T* pSrc, T* pDst, int len) { return customipp::runSignalCopy(pSrc, pDst, len); }
