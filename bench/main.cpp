@@ -133,6 +133,7 @@ void registerConstants();
 void registerConversion();
 void registerGraph();
 void registerHistograms();
+void registerStatistics();
 void registerTemplateMatch();
 void registerStatisticsLocal();
 
@@ -147,6 +148,7 @@ int main(int i_count, char** i_arguments)
     registerConstants();
     registerConversion();
     registerHistograms();
+    registerStatistics();
     registerTemplateMatch();
     registerStatisticsLocal();
     registerGraph();

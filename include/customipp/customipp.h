@@ -48,6 +48,7 @@ CUSTOMIPP_EXPORT void ippsFree(void* ptr);
 #include <customipp/copy.def>
 #include <customipp/copyChannel.def>
 #include <customipp/copyMasked.def>
+#include <customipp/countInRange.def>
 #include <customipp/crossCorrNorm.def>
 #include <customipp/div.def>
 #include <customipp/divC.def>
@@ -59,10 +60,13 @@ CUSTOMIPP_EXPORT void ippsFree(void* ptr);
 #include <customipp/findPeaks.def>
 #include <customipp/integral.def>
 #include <customipp/maxEvery.def>
+#include <customipp/meanStdDev.def>
 #include <customipp/minEvery.def>
 #include <customipp/minMax.def>
 #include <customipp/mul.def>
 #include <customipp/mulC.def>
+#include <customipp/norm.def>
+#include <customipp/normDiff.def>
 #include <customipp/polar.def>
 #include <customipp/reduceBits.def>
 #include <customipp/rectStdDev.def>

@@ -147,6 +147,47 @@
     CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, IppiSize roiSize, T threshold,             \
         IppiPoint* pPeak, int maxPeakCount, int* pPeakCount, IppiNorm norm, int border, Ipp8u* pBuffer);
 
+/* Norms: an element for each channel; one channel of three, counted from 1; of the pixels of a mask. */
+#define CUSTOMIPP_NORM(symbol, op, T, channels)                                                              \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, IppiSize roiSize, Ipp64f value[channels]);
+#define CUSTOMIPP_NORM_HINT(symbol, op, T, channels)                                                         \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
+        const T* pSrc, int srcStep, IppiSize roiSize, Ipp64f* value, IppHintAlgorithm hint);
+#define CUSTOMIPP_NORM_MASKED(symbol, op, T)                                                                 \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
+        const T* pSrc, int srcStep, const Ipp8u* pMask, int maskStep, IppiSize roiSize, Ipp64f* pNorm);
+#define CUSTOMIPP_NORM_MASKED_CHANNEL(symbol, op, T)                                                         \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, const Ipp8u* pMask, int maskStep,          \
+        IppiSize roiSize, int coi, Ipp64f* pNorm);
+#define CUSTOMIPP_NORM_DIFF(symbol, op, T, channels)                                                         \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step,            \
+        IppiSize roiSize, Ipp64f value[channels]);
+#define CUSTOMIPP_NORM_DIFF_HINT(symbol, op, T, channels)                                                    \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step,            \
+        IppiSize roiSize, Ipp64f* value, IppHintAlgorithm hint);
+
+/* Mean and standard deviation: of all pixels or those of a mask; of one channel of three, counted from 1. */
+#define CUSTOMIPP_MEAN_STD_DEV(symbol, op, T)                                                                \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
+        const T* pSrc, int srcStep, IppiSize roiSize, Ipp64f* pMean, Ipp64f* pStdDev);
+#define CUSTOMIPP_MEAN_STD_DEV_CHANNEL(symbol, op, T)                                                        \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
+        const T* pSrc, int srcStep, IppiSize roiSize, int coi, Ipp64f* pMean, Ipp64f* pStdDev);
+#define CUSTOMIPP_MEAN_STD_DEV_MASKED(symbol, op, T)                                                         \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, const Ipp8u* pMask, int maskStep,          \
+        IppiSize roiSize, Ipp64f* pMean, Ipp64f* pStdDev);
+#define CUSTOMIPP_MEAN_STD_DEV_MASKED_CHANNEL(symbol, op, T)                                                 \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, const Ipp8u* pMask, int maskStep,          \
+        IppiSize roiSize, int coi, Ipp64f* pMean, Ipp64f* pStdDev);
+
+/* How many pixels lie in a range, both ends included; a count and a range for each channel. */
+#define CUSTOMIPP_COUNT_IN_RANGE(symbol, op, T)                                                              \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
+        const T* pSrc, int srcStep, IppiSize roiSize, int* counts, T lowerBound, T upperBound);
+#define CUSTOMIPP_COUNT_IN_RANGE_CHANNELS(symbol, op, T, channels)                                           \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, IppiSize roiSize, int counts[channels],    \
+        T lowerBound[channels], T upperBound[channels]);
+
 /* A sequence to another, the same or converted with a scale factor; the least and greatest element of one. */
 #define CUSTOMIPP_SIGNAL_COPY(symbol, op, T)                                                                 \
     CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, T* pDst, int len);

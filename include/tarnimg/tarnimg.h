@@ -58,6 +58,12 @@
 #include <tarnimg/colour/cYUV422PlanarToPixelFunctor.h>
 #include <tarnimg/export.h>
 #include <tarnimg/imagePortGroups.h>
+#include <tarnimg/statistics/cCountInRangeFunctor.h>
+#include <tarnimg/statistics/cCountInRangeRGBFunctor.h>
+#include <tarnimg/statistics/cCrossCorrelationFunctor.h>
+#include <tarnimg/statistics/cImgNormDiffFunctor.h>
+#include <tarnimg/statistics/cImgNormFunctor.h>
+#include <tarnimg/statistics/cMeanStdDevFunctor.h>
 #include <tarnimg/statistics/cBlockMinMaxFunctor.h>
 #include <tarnimg/statistics/cCrossCorrelationFunctor.h>
 #include <tarnimg/statistics/cFindPeaks3x3Functor.h>
