@@ -127,11 +127,16 @@ private:
 
 } // namespace
 
+void registerColour();
 void registerArithmetic();
+void registerConstants();
 void registerConversion();
 void registerDisplay();
 void registerGraph();
+void registerHistograms();
+void registerStatistics();
 void registerTemplateMatch();
+void registerStatisticsLocal();
 
 int main(int i_count, char** i_arguments)
 {
@@ -139,10 +144,15 @@ int main(int i_count, char** i_arguments)
     if (benchmark::ReportUnrecognizedArguments(i_count, i_arguments))
         return 2;
     cv::setNumThreads(1);
+    registerColour();
     registerArithmetic();
+    registerConstants();
     registerConversion();
     registerDisplay();
+    registerHistograms();
+    registerStatistics();
     registerTemplateMatch();
+    registerStatisticsLocal();
     registerGraph();
     MarkdownReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);

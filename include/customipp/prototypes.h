@@ -122,6 +122,71 @@
 #define CUSTOMIPP_MIN_MAX(symbol, op, T, channels)                                                           \
     CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
         const T* pSrc, int srcStep, IppiSize roiSize, T pMin[channels], T pMax[channels]);
+/* Sums over all that lies above and to the left; of the squares, too. */
+#define CUSTOMIPP_INTEGRAL(symbol, op, S, D)                                                                 \
+    CUSTOMIPP_EXPORT IppStatus symbol(const S* pSrc, int srcStep, D* pDst, int dstStep, IppiSize srcRoiSize);
+#define CUSTOMIPP_INTEGRAL_OFFSET(symbol, op, S, D)                                                          \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
+        const S* pSrc, int srcStep, D* pDst, int dstStep, IppiSize srcRoiSize, D val);
+#define CUSTOMIPP_SQR_INTEGRAL(symbol, op, S, D, Q)                                                          \
+    CUSTOMIPP_EXPORT IppStatus symbol(const S* pSrc, int srcStep, D* pDst, int dstStep, Q* pSqr,             \
+        int sqrStep, IppiSize roiSize, D val, Q valSqr);
+
+/* Deviation under a rectangle, from integrals. */
+#define CUSTOMIPP_RECT_STD_DEV(symbol, op, S, Q, D)                                                          \
+    CUSTOMIPP_EXPORT IppStatus symbol(const S* pSrc, int srcStep, const Q* pSqr, int sqrStep, D* pDst,       \
+        int dstStep, IppiSize roiSize, IppiRect rect);
+/* Least and greatest pixel of each block and of all. */
+#define CUSTOMIPP_BLOCK_MIN_MAX(symbol, op, T)                                                               \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, IppiSize srcSize, T* pDstMin,              \
+        int dstMinStep, T* pDstMax, int dstMaxStep, IppiSize blockSize, T* pGlobalMin, T* pGlobalMax);
+/* Pixels above their neighbours, with the memory for the search. */
+#define CUSTOMIPP_FIND_PEAKS_SIZE(symbol, op)                                                                \
+    CUSTOMIPP_EXPORT IppStatus symbol(int roiWidth, int* pBufferSize);
+#define CUSTOMIPP_FIND_PEAKS(symbol, op, T)                                                                  \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, IppiSize roiSize, T threshold,             \
+        IppiPoint* pPeak, int maxPeakCount, int* pPeakCount, IppiNorm norm, int border, Ipp8u* pBuffer);
+
+/* Norms: an element for each channel; one channel of three, counted from 1; of the pixels of a mask. */
+#define CUSTOMIPP_NORM(symbol, op, T, channels)                                                              \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, IppiSize roiSize, Ipp64f value[channels]);
+#define CUSTOMIPP_NORM_HINT(symbol, op, T, channels)                                                         \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
+        const T* pSrc, int srcStep, IppiSize roiSize, Ipp64f* value, IppHintAlgorithm hint);
+#define CUSTOMIPP_NORM_MASKED(symbol, op, T)                                                                 \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
+        const T* pSrc, int srcStep, const Ipp8u* pMask, int maskStep, IppiSize roiSize, Ipp64f* pNorm);
+#define CUSTOMIPP_NORM_MASKED_CHANNEL(symbol, op, T)                                                         \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, const Ipp8u* pMask, int maskStep,          \
+        IppiSize roiSize, int coi, Ipp64f* pNorm);
+#define CUSTOMIPP_NORM_DIFF(symbol, op, T, channels)                                                         \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step,            \
+        IppiSize roiSize, Ipp64f value[channels]);
+#define CUSTOMIPP_NORM_DIFF_HINT(symbol, op, T, channels)                                                    \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step,            \
+        IppiSize roiSize, Ipp64f* value, IppHintAlgorithm hint);
+
+/* Mean and standard deviation: of all pixels or those of a mask; of one channel of three, counted from 1. */
+#define CUSTOMIPP_MEAN_STD_DEV(symbol, op, T)                                                                \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
+        const T* pSrc, int srcStep, IppiSize roiSize, Ipp64f* pMean, Ipp64f* pStdDev);
+#define CUSTOMIPP_MEAN_STD_DEV_CHANNEL(symbol, op, T)                                                        \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
+        const T* pSrc, int srcStep, IppiSize roiSize, int coi, Ipp64f* pMean, Ipp64f* pStdDev);
+#define CUSTOMIPP_MEAN_STD_DEV_MASKED(symbol, op, T)                                                         \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, const Ipp8u* pMask, int maskStep,          \
+        IppiSize roiSize, Ipp64f* pMean, Ipp64f* pStdDev);
+#define CUSTOMIPP_MEAN_STD_DEV_MASKED_CHANNEL(symbol, op, T)                                                 \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, const Ipp8u* pMask, int maskStep,          \
+        IppiSize roiSize, int coi, Ipp64f* pMean, Ipp64f* pStdDev);
+
+/* How many pixels lie in a range, both ends included; a count and a range for each channel. */
+#define CUSTOMIPP_COUNT_IN_RANGE(symbol, op, T)                                                              \
+    CUSTOMIPP_EXPORT IppStatus symbol(                                                                       \
+        const T* pSrc, int srcStep, IppiSize roiSize, int* counts, T lowerBound, T upperBound);
+#define CUSTOMIPP_COUNT_IN_RANGE_CHANNELS(symbol, op, T, channels)                                           \
+    CUSTOMIPP_EXPORT IppStatus symbol(const T* pSrc, int srcStep, IppiSize roiSize, int counts[channels],    \
+        T lowerBound[channels], T upperBound[channels]);
 
 /* A sequence to another, the same or converted with a scale factor; the least and greatest element of one. */
 #define CUSTOMIPP_SIGNAL_COPY(symbol, op, T)                                                                 \

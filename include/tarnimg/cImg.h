@@ -145,6 +145,12 @@ public:
     /** Sets the range of the shared descriptor, as `cImgType::setRange`; the smaller value is the low end. */
     void setRange(double i_low, double i_high);
     void setRange(const cDblRange& i_range);
+    /**
+     * Sets the range to the least and the greatest pixel as cMinMaxFunctor finds them, of all channels but an
+     * alpha; for types that it does not take, and if no pixel is a number, to the present range. No signal is
+     * emitted.
+     */
+    void adjustRange();
     /** The attributes take the object over. */
     void setImgAttr(const QString& i_key, cObj* i_value);
     const cObj* getImgAttr(const QString& i_key) const;

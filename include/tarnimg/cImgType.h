@@ -2,12 +2,14 @@
 
 #include <tarnbase/cMapObj.h>
 #include <tarnbase/cRange.h>
+#include <tarnimg/cRangeHistory.h>
 #include <tarnimg/export.h>
 
 #include <QObject>
 #include <QSize>
 #include <QString>
 #include <QStringList>
+#include <QVarLengthArray>
 #include <QVector>
 #include <memory>
 
@@ -141,7 +143,10 @@ public:
     bool operator!=(const cImgType& i_other) const { return m_typeId != i_other.m_typeId; }
 
 Q_SIGNALS:
-    /** The automatic range of a display has moved. */
+    /**
+     * The automatic range of a display has moved, to this range before it was limited. Emitted by
+     * `adjustRange`, on the thread that renders.
+     */
     void rangeChanged(const cDblRange& i_range);
 
 protected:
@@ -161,6 +166,29 @@ protected:
      */
     bool convertImage(
         const cImg& i_source, const cImgType& i_target, cImg& io_result, const cMapObj* i_params) const;
+
+    /**
+     * The automatic range of a display, from the pixels of an image that is about to be shown. Does nothing
+     * unless the parameter "AutoRange/Use" is set.
+     *
+     * The range becomes the least to the greatest pixel of the image without its borders; of several channels
+     * those of the first one. With a positive quantile, that fraction of the pixels is cut off at both ends
+     * instead: of UInt8, UInt16 and SInt16 by the histogram of the pixels, of RGB types by that of their
+     * luminance. Other types keep the extremes. If this is not the range already, it enters the history,
+     * where it has one, its high end raised by 1, and the range becomes the mean of the history.
+     * `rangeChanged` is emitted.
+     *
+     * @throws std::runtime_error as cMinMaxFunctor does, for types that it does not take and for borders that
+     * leave nothing of the image
+     */
+    virtual void adjustRange(const cImg& i_image);
+    /** Takes a range into the history of whole numbers, if there is to be one, and announces it or the mean.
+     */
+    void followRange(double i_low, double i_high);
+    /** Sets the range and emits what it was before it was limited. */
+    void announceRange(double i_low, double i_high);
+    /** Memory for counting pixels, kept from frame to frame. */
+    QVarLengthArray<unsigned char, 256>& histogramWork() { return m_histogramWork; }
 
     /**
      * Makes `io_out` an indexed picture of the image's size, with undefined pixels and a grey ramp; kept if
@@ -206,6 +234,8 @@ private:
      * channels ignore the argument.
      */
     virtual void setNumChannels(unsigned i_channels);
+    /** The image without its borders; void if nothing is left. */
+    cImg autoRangeRegion(const cImg& i_image) const;
 
     void limitRange(const cDblRange& i_range);
 
@@ -219,6 +249,8 @@ private:
     QStringList m_styleList; ///< Empty for a type with any number of channels, whose styles are its channels.
     QString m_name;
     double m_gamma = 1.0;
+    cRangeHistory<int> m_rangeHistory;
+    QVarLengthArray<unsigned char, 256> m_histogramWork;
     bool m_gammaTableDirty = true;
     QVector<int> m_gammaOutput; ///< 256 bytes once they are needed.
     QVector<int> m_gammaInput; ///< The bytes in their order, likewise.

@@ -45,4 +45,23 @@ inline IppStatus checkStrictSteps(int width, std::initializer_list<StepOf> image
     return ippStsNoErr;
 }
 
+/** One step with the row that it must hold. */
+struct RowStep {
+    int step;
+    int64_t elements;
+    int elementBytes;
+};
+
+/** As checkStrictSteps, for images of different widths. */
+inline IppStatus checkRowSteps(std::initializer_list<RowStep> images)
+{
+    for (const RowStep& image : images)
+        if (image.step < image.elements * image.elementBytes)
+            return ippStsStepErr;
+    for (const RowStep& image : images)
+        if (image.step % image.elementBytes != 0)
+            return ippStsNotEvenStepErr;
+    return ippStsNoErr;
+}
+
 } // namespace customipp

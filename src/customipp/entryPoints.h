@@ -220,6 +220,109 @@
             customipp::kernels##op(), {pSrc, srcStep}, roiSize, {pMin, pMax});                               \
     }
 
+#undef CUSTOMIPP_NORM
+#define CUSTOMIPP_NORM(symbol, op, T, channels)                                                              \
+    IppStatus symbol(const T* pSrc, int srcStep, IppiSize roiSize, Ipp64f value[channels])                   \
+    {                                                                                                        \
+        return customipp::runNorm<T, channels>(                                                              \
+            customipp::kernels##op(), {{pSrc, srcStep}, {}, {}, roiSize}, value);                            \
+    }
+
+#undef CUSTOMIPP_NORM_HINT
+#define CUSTOMIPP_NORM_HINT(symbol, op, T, channels)                                                         \
+    IppStatus symbol(const T* pSrc, int srcStep, IppiSize roiSize, Ipp64f* value, IppHintAlgorithm)          \
+    {                                                                                                        \
+        return customipp::runNorm<T, channels>(                                                              \
+            customipp::kernels##op(), {{pSrc, srcStep}, {}, {}, roiSize}, value);                            \
+    }
+
+#undef CUSTOMIPP_NORM_MASKED
+#define CUSTOMIPP_NORM_MASKED(symbol, op, T)                                                                 \
+    IppStatus symbol(                                                                                        \
+        const T* pSrc, int srcStep, const Ipp8u* pMask, int maskStep, IppiSize roiSize, Ipp64f* pNorm)       \
+    {                                                                                                        \
+        return customipp::runNormMasked<T>(                                                                  \
+            customipp::kernels##op(), {{pSrc, srcStep}, {}, {pMask, maskStep}, roiSize}, pNorm);             \
+    }
+
+#undef CUSTOMIPP_NORM_MASKED_CHANNEL
+#define CUSTOMIPP_NORM_MASKED_CHANNEL(symbol, op, T)                                                         \
+    IppStatus symbol(const T* pSrc, int srcStep, const Ipp8u* pMask, int maskStep, IppiSize roiSize,         \
+        int coi, Ipp64f* pNorm)                                                                              \
+    {                                                                                                        \
+        return customipp::runNormMaskedChannel<T>(                                                           \
+            customipp::kernels##op(), {{pSrc, srcStep}, {}, {pMask, maskStep}, roiSize}, coi, pNorm);        \
+    }
+
+#undef CUSTOMIPP_NORM_DIFF
+#define CUSTOMIPP_NORM_DIFF(symbol, op, T, channels)                                                         \
+    IppStatus symbol(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, IppiSize roiSize,           \
+        Ipp64f value[channels])                                                                              \
+    {                                                                                                        \
+        return customipp::runNormDiff<T, channels>(                                                          \
+            customipp::kernels##op(), {{pSrc1, src1Step}, {pSrc2, src2Step}, {}, roiSize}, value);           \
+    }
+
+#undef CUSTOMIPP_NORM_DIFF_HINT
+#define CUSTOMIPP_NORM_DIFF_HINT(symbol, op, T, channels)                                                    \
+    IppStatus symbol(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, IppiSize roiSize,           \
+        Ipp64f* value, IppHintAlgorithm)                                                                     \
+    {                                                                                                        \
+        return customipp::runNormDiff<T, channels>(                                                          \
+            customipp::kernels##op(), {{pSrc1, src1Step}, {pSrc2, src2Step}, {}, roiSize}, value);           \
+    }
+
+#undef CUSTOMIPP_MEAN_STD_DEV
+#define CUSTOMIPP_MEAN_STD_DEV(symbol, op, T)                                                                \
+    IppStatus symbol(const T* pSrc, int srcStep, IppiSize roiSize, Ipp64f* pMean, Ipp64f* pStdDev)           \
+    {                                                                                                        \
+        return customipp::runMeanStdDev<T>(                                                                  \
+            customipp::kernels##op(), {{pSrc, srcStep}, {}, {}, roiSize}, {pMean, pStdDev});                 \
+    }
+
+#undef CUSTOMIPP_MEAN_STD_DEV_CHANNEL
+#define CUSTOMIPP_MEAN_STD_DEV_CHANNEL(symbol, op, T)                                                        \
+    IppStatus symbol(const T* pSrc, int srcStep, IppiSize roiSize, int coi, Ipp64f* pMean, Ipp64f* pStdDev)  \
+    {                                                                                                        \
+        return customipp::runMeanStdDevChannel<T>(                                                           \
+            customipp::kernels##op(), {{pSrc, srcStep}, {}, {}, roiSize}, coi, {pMean, pStdDev});            \
+    }
+
+#undef CUSTOMIPP_MEAN_STD_DEV_MASKED
+#define CUSTOMIPP_MEAN_STD_DEV_MASKED(symbol, op, T)                                                         \
+    IppStatus symbol(const T* pSrc, int srcStep, const Ipp8u* pMask, int maskStep, IppiSize roiSize,         \
+        Ipp64f* pMean, Ipp64f* pStdDev)                                                                      \
+    {                                                                                                        \
+        return customipp::runMeanStdDevMasked<T>(                                                            \
+            customipp::kernels##op(), {{pSrc, srcStep}, {}, {pMask, maskStep}, roiSize}, {pMean, pStdDev});  \
+    }
+
+#undef CUSTOMIPP_MEAN_STD_DEV_MASKED_CHANNEL
+#define CUSTOMIPP_MEAN_STD_DEV_MASKED_CHANNEL(symbol, op, T)                                                 \
+    IppStatus symbol(const T* pSrc, int srcStep, const Ipp8u* pMask, int maskStep, IppiSize roiSize,         \
+        int coi, Ipp64f* pMean, Ipp64f* pStdDev)                                                             \
+    {                                                                                                        \
+        return customipp::runMeanStdDevMaskedChannel<T>(customipp::kernels##op(),                            \
+            {{pSrc, srcStep}, {}, {pMask, maskStep}, roiSize}, coi, {pMean, pStdDev});                       \
+    }
+
+#undef CUSTOMIPP_COUNT_IN_RANGE
+#define CUSTOMIPP_COUNT_IN_RANGE(symbol, op, T)                                                              \
+    IppStatus symbol(const T* pSrc, int srcStep, IppiSize roiSize, int* counts, T lowerBound, T upperBound)  \
+    {                                                                                                        \
+        return customipp::runCountInRange<T, 1>(customipp::kernels##op(),                                    \
+            {{pSrc, srcStep}, {}, {}, roiSize}, counts, {&lowerBound, &upperBound});                         \
+    }
+
+#undef CUSTOMIPP_COUNT_IN_RANGE_CHANNELS
+#define CUSTOMIPP_COUNT_IN_RANGE_CHANNELS(symbol, op, T, channels)                                           \
+    IppStatus symbol(const T* pSrc, int srcStep, IppiSize roiSize, int counts[channels],                     \
+        T lowerBound[channels], T upperBound[channels])                                                      \
+    {                                                                                                        \
+        return customipp::runCountInRange<T, channels>(                                                      \
+            customipp::kernels##op(), {{pSrc, srcStep}, {}, {}, roiSize}, counts, {lowerBound, upperBound}); \
+    }
+
 #undef CUSTOMIPP_TWIST
 #define CUSTOMIPP_TWIST(symbol, op, T, channels)                                                             \
     IppStatus symbol(                                                                                        \
@@ -259,6 +362,65 @@
     IppStatus symbol(const T* pSrc[3], int srcStep[3], T* pDst, int dstStep, IppiSize roiSize)               \
     {                                                                                                        \
         return customipp::runToPacked(customipp::kernels##op(), pSrc, srcStep, {pDst, dstStep}, roiSize);    \
+    }
+
+#undef CUSTOMIPP_INTEGRAL
+#define CUSTOMIPP_INTEGRAL(symbol, op, S, D)                                                                 \
+    IppStatus symbol(const S* pSrc, int srcStep, D* pDst, int dstStep, IppiSize srcRoiSize)                  \
+    {                                                                                                        \
+        return customipp::runIntegral<S, D>(                                                                 \
+            customipp::kernels##op(), {pSrc, srcStep}, {pDst, dstStep}, srcRoiSize);                         \
+    }
+
+#undef CUSTOMIPP_INTEGRAL_OFFSET
+#define CUSTOMIPP_INTEGRAL_OFFSET(symbol, op, S, D)                                                          \
+    IppStatus symbol(const S* pSrc, int srcStep, D* pDst, int dstStep, IppiSize srcRoiSize, D val)           \
+    {                                                                                                        \
+        return customipp::runIntegral<S, D>(                                                                 \
+            customipp::kernels##op(), {pSrc, srcStep}, {pDst, dstStep}, srcRoiSize, val);                    \
+    }
+
+#undef CUSTOMIPP_SQR_INTEGRAL
+#define CUSTOMIPP_SQR_INTEGRAL(symbol, op, S, D, Q)                                                          \
+    IppStatus symbol(const S* pSrc, int srcStep, D* pDst, int dstStep, Q* pSqr, int sqrStep,                 \
+        IppiSize roiSize, D val, Q valSqr)                                                                   \
+    {                                                                                                        \
+        return customipp::runSqrIntegral<S, D, Q>(customipp::kernels##op(), {pSrc, srcStep},                 \
+            {pDst, dstStep}, {pSqr, sqrStep}, roiSize, val, valSqr);                                         \
+    }
+
+#undef CUSTOMIPP_RECT_STD_DEV
+#define CUSTOMIPP_RECT_STD_DEV(symbol, op, S, Q, D)                                                          \
+    IppStatus symbol(const S* pSrc, int srcStep, const Q* pSqr, int sqrStep, D* pDst, int dstStep,           \
+        IppiSize roiSize, IppiRect rect)                                                                     \
+    {                                                                                                        \
+        return customipp::runRectStdDev<S>(                                                                  \
+            customipp::kernels##op(), {pSrc, srcStep}, {pSqr, sqrStep}, {pDst, dstStep}, roiSize, rect);     \
+    }
+
+#undef CUSTOMIPP_BLOCK_MIN_MAX
+#define CUSTOMIPP_BLOCK_MIN_MAX(symbol, op, T)                                                               \
+    IppStatus symbol(const T* pSrc, int srcStep, IppiSize srcSize, T* pDstMin, int dstMinStep, T* pDstMax,   \
+        int dstMaxStep, IppiSize blockSize, T* pGlobalMin, T* pGlobalMax)                                    \
+    {                                                                                                        \
+        return customipp::runBlockMinMax<T>(customipp::kernels##op(), {pSrc, srcStep}, srcSize,              \
+            {pDstMin, dstMinStep}, {pDstMax, dstMaxStep}, blockSize, pGlobalMin, pGlobalMax);                \
+    }
+
+#undef CUSTOMIPP_FIND_PEAKS_SIZE
+#define CUSTOMIPP_FIND_PEAKS_SIZE(symbol, op)                                                                \
+    IppStatus symbol(int roiWidth, int* pBufferSize)                                                         \
+    {                                                                                                        \
+        return customipp::sizeOfFindPeaks(roiWidth, pBufferSize);                                            \
+    }
+
+#undef CUSTOMIPP_FIND_PEAKS
+#define CUSTOMIPP_FIND_PEAKS(symbol, op, T)                                                                  \
+    IppStatus symbol(const T* pSrc, int srcStep, IppiSize roiSize, T threshold, IppiPoint* pPeak,            \
+        int maxPeakCount, int* pPeakCount, IppiNorm norm, int border, Ipp8u* pBuffer)                        \
+    {                                                                                                        \
+        return customipp::runFindPeaks<T>(customipp::kernels##op(), {pSrc, srcStep}, roiSize, threshold,     \
+            pPeak, maxPeakCount, pPeakCount, norm, border, pBuffer);                                         \
     }
 
 #undef CUSTOMIPP_SIGNAL_COPY

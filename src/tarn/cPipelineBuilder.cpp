@@ -1,6 +1,8 @@
 #include "cPipelineBuilder.h"
 
+#include "cValueSource.h"
 #include "hostStations.h"
+#include "openPorts.h"
 
 #include <algorithm>
 #include <tarnflow/cGraph.h>
@@ -266,7 +268,9 @@ void cPipelineBuilder::buildLink(const Scope& i_scope, const Place& i_from, cons
         return; // reported already
     cGraphError problem;
     if (i_from.boundary.isEmpty() && i_to.boundary.isEmpty()) {
-        if (!i_scope.graph.link(i_from.path, i_to.path, &problem))
+        QString from = i_from.path;
+        QString to = i_to.path;
+        if (!host::openPorts(i_scope.graph, from, to, problem) || !i_scope.graph.link(from, to, &problem))
             error(i_to.pos, problem);
         return;
     }
@@ -319,6 +323,9 @@ void cPipelineBuilder::checkStations()
             if (auto* own = dynamic_cast<cHostStation*>(station))
                 problems += own->checkParams();
         }
+    for (cStation* station : stations)
+        if (auto* source = dynamic_cast<cValueSource*>(station))
+            source->setLimit(m_limit);
     for (cStation* station : stations)
         if (auto* own = dynamic_cast<cHostStation*>(station); own && !dynamic_cast<cFrameSource*>(station))
             problems += own->checkParams();

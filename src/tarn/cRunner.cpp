@@ -1,6 +1,7 @@
 #include "cRunner.h"
 
 #include "cConsole.h"
+#include "cPrintStation.h"
 #include "cProgress.h"
 #include "cSaveStation.h"
 #include "commands.h"
@@ -12,6 +13,7 @@
 #include <tarnflow/cGraph.h>
 #include <tarnflow/cIPortBase.h>
 #include <tarnflow/cPortGroupBase.h>
+#include <unistd.h>
 
 namespace {
 
@@ -36,6 +38,8 @@ cRunner::cRunner(cGraph& io_graph, const cRunOptions& i_options, cConsole& io_co
             m_sources.append(source);
         if (auto* sink = dynamic_cast<cSaveStation*>(station))
             m_sinks.append(sink);
+        if (const auto* printer = dynamic_cast<cPrintStation*>(station))
+            m_printing = m_printing || (printer->printsToOutput() && isatty(STDOUT_FILENO));
     }
     // Direct: the frame that failed is known only while its step is under way.
     QObject::connect(
@@ -173,7 +177,7 @@ EExit cRunner::watch(const std::function<int()>& i_interrupts, cProgress& io_pro
         }
         if (flow != cGraph::EFlow::Running)
             return exit;
-        if (!m_options.quiet)
+        if (!m_options.quiet && !m_printing)
             io_progress.update(timer.elapsed(), getDone(), getTotal(), countFailures());
     }
 }

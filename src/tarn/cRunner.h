@@ -67,6 +67,7 @@ private:
     cConsole& m_console;
     QList<cFrameSource*> m_sources;
     QList<cSaveStation*> m_sinks;
+    bool m_printing = false; ///< values come to the terminal: they take the place of the progress
 
     mutable QMutex m_mutex; ///< guards the two that follow
     QList<Failure> m_failures;

@@ -1,5 +1,7 @@
 #include "commands.h"
 
+#include "hostStations.h"
+
 #include <algorithm>
 #include <memory>
 #include <tarnbase/cMapObj.h>
@@ -130,6 +132,8 @@ QString shortName(const QString& i_identifier)
 /** A whole line that runs: a source of files for each image input, a sink for an image output. */
 QString exampleLine(const QString& i_identifier, const cStationInfo& i_info, const cStation& i_station)
 {
+    if (const auto* own = dynamic_cast<const cHostStation*>(&i_station); own && !own->getExample().isEmpty())
+        return own->getExample();
     QString self = shortName(i_identifier);
     if (i_info.mainParam == QLatin1String("path"))
         self += i_station.getInports().isEmpty() ? QStringLiteral(" in/*.png")

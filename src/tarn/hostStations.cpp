@@ -1,7 +1,10 @@
 #include "hostStations.h"
 
+#include "cConstantStation.h"
 #include "cFilesStation.h"
+#include "cPrintStation.h"
 #include "cSaveStation.h"
+#include "cValuesStation.h"
 
 #include <QSet>
 #include <tarnflow/cGraph.h>
@@ -57,10 +60,10 @@ private:
 
 } // namespace
 
-QList<cFrameSource*> sourcesOf(const cStation& i_station)
+QList<cFrameSource*> sourcesOf(const cDfpNode& i_node)
 {
     cWalk walk;
-    walk.visit(&i_station);
+    walk.visit(&i_node);
     return walk.found;
 }
 
@@ -82,11 +85,20 @@ void registerStations()
 {
     static const bool s_done = [] {
         cStation::registercStation(
+            QStringLiteral("host/constant"), []() -> cStation* { return new cConstantStation; },
+            cConstantStation::getWords());
+        cStation::registercStation(
             QStringLiteral("host/files"), []() -> cStation* { return new cFilesStation; },
             cFilesStation::getWords());
         cStation::registercStation(
+            QStringLiteral("host/print"), []() -> cStation* { return new cPrintStation; },
+            cPrintStation::getWords());
+        cStation::registercStation(
             QStringLiteral("host/save"), []() -> cStation* { return new cSaveStation; },
             cSaveStation::getWords());
+        cStation::registercStation(
+            QStringLiteral("host/values"), []() -> cStation* { return new cValuesStation; },
+            cValuesStation::getWords());
         return true;
     }();
     Q_UNUSED(s_done)

@@ -5,7 +5,7 @@
 #include <QtGlobal>
 #include <tarnflow/cGraphError.h>
 
-class cStation;
+class cDfpNode;
 
 /** What stations of this library tell the host beyond their ports and parameters. */
 class cHostStation {
@@ -17,6 +17,8 @@ public:
      * here, not at the first frame. Called from the thread that builds the graph.
      */
     virtual QList<cGraphError> checkParams() = 0;
+    /** A graph in which the station can be tried; empty if its ports say it all. */
+    virtual QString getExample() const { return {}; }
 };
 
 /** A source of frames that stand in files. All members may be called from any thread while the graph runs. */
@@ -40,9 +42,8 @@ public:
 
 namespace host {
 
-/** The sources from which a station's frames come, along all links backwards, those of its first input first.
- */
-QList<cFrameSource*> sourcesOf(const cStation& i_station);
+/** The sources from which a node's frames come, along all links backwards, those of its first input first. */
+QList<cFrameSource*> sourcesOf(const cDfpNode& i_node);
 
 /**
  * The file that gives a frame its name: of the sources that have the stamp the one with the most files, the

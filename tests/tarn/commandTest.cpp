@@ -303,6 +303,33 @@ TEST_F(command, ACycleIsRefused)
     EXPECT_TRUE(result.errors.startsWith(QStringLiteral("-e:1:"))) << result.errors.toStdString();
 }
 
+// ---- values ----
+
+TEST_F(command, ReadsValuesFromStandardInput)
+{
+    writeFrames(QStringLiteral("in"), 1);
+    const Result result = tarn({QStringLiteral("run"), QStringLiteral("-e"),
+                                   QStringLiteral("values - ! m.value   files in/*.png ! m.img   "
+                                                  "subtractConstant name=m ! save out/{stem}.tif")},
+        "255\n");
+    EXPECT_EQ(result.exit, 0) << result.errors.toStdString();
+    EXPECT_TRUE(samePixels(host::readImage(path(QStringLiteral("out/f0.tif"))),
+        generateImage(cImgType::UInt8, 12, 8, [](unsigned, unsigned) { return quint8(0); })));
+}
+
+TEST_F(command, SaysWhereABadValueStands)
+{
+    writeFrames(QStringLiteral("in"), 1);
+    write(QStringLiteral("gain.jsonl"), "1\n{\"stamp\":1,\"value\":\"x\"}\n");
+    const Result result
+        = run("values gain.jsonl ! m.value   files in/*.png ! m.img   multiplyConstant name=m ! "
+              "save out/{stem}.tif");
+    EXPECT_EQ(result.exit, 2);
+    EXPECT_EQ(result.errors,
+        QStringLiteral("-e:1:8: error: values1.path: gain.jsonl:2:20: expected a number, \"nan\", \"inf\" or "
+                       "\"-inf\", found \"x\"\n"));
+}
+
 // ---- list and inspect ----
 
 TEST_F(command, ListsStationsWithTheirPurpose)
@@ -315,9 +342,10 @@ TEST_F(command, ListsStationsWithTheirPurpose)
     for (const QString& line : lines)
         EXPECT_TRUE(QRegularExpression(QStringLiteral("^[A-Za-z0-9/]+  +[A-Z].*\\.$")).match(line).hasMatch())
             << line.toStdString();
-    const Result some = tarn("list subtr");
+    const Result some = tarn("list addProd");
     EXPECT_EQ(some.output,
-        QStringLiteral("ipp/image/arithmetic/subtract  Difference of two images: img2 - img1.\n"));
+        QStringLiteral(
+            "ipp/image/arithmetic/addProduct  Running sum of products of two images, as a Float32 image.\n"));
     EXPECT_EQ(tarn("list nosuchthing").exit, 2);
 }
 
@@ -343,12 +371,17 @@ TEST_F(command, EveryStationsExampleIsUnderstood)
     writeFrames(QStringLiteral("in"), 2);
     writeFrames(QStringLiteral("a"), 2);
     writeFrames(QStringLiteral("b"), 2);
+    write(QStringLiteral("gain.jsonl"), "2\n1.5\n");
     const QStringList lines = tarn("list").output.split(u'\n', Qt::SkipEmptyParts);
     for (const QString& line : lines) {
         const QString id = line.section(u' ', 0, 0);
         const QString text = tarn({QStringLiteral("inspect"), id}).output;
         const QString example = text.section(QStringLiteral("tarn run -e '"), 1).section(u'\'', 0, 0);
         ASSERT_FALSE(example.isEmpty()) << id.toStdString();
+        // What is measured comes from another family.
+        const bool measures = example.contains(QStringLiteral("meanStdDev"));
+        if (measures && lines.filter(QStringLiteral("/meanStdDev ")).isEmpty())
+            continue;
         // Whether these 8-bit pictures suit the station is another matter: then the run ends with 1.
         const Result result = tarn({QStringLiteral("run"), QStringLiteral("-e"), example});
         EXPECT_TRUE(

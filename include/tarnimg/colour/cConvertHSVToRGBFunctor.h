@@ -17,10 +17,12 @@ public:
     cConvertHSVToRGBFunctor();
 
     cImg operator()(const cImg& i_image) const;
-    void refreshParams(cObj* i_params) override;
 
     int getNumThreads() const { return m_numThreads; }
     void setNumThreads(int i_numThreads) { m_numThreads = i_numThreads; }
+
+    /** "numThreads": number of row bands that are computed at the same time. */
+    void refreshParams(cObj* i_params) override;
 
 private:
     int m_numThreads = 1;

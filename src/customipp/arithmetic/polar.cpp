@@ -36,7 +36,16 @@ template <class D> HWY_INLINE hn::Vec<D> withOneNaN(D d, hn::Vec<D> v)
     return hn::IfThenElse(hn::Eq(v, v), v, hn::Set(d, std::numeric_limits<float>::quiet_NaN()));
 }
 
-/** The squares of floats are exact in double, and no sum of them overflows or underflows there. */
+/**
+ * The squares of floats are exact in double, and no sum of them overflows or underflows there; its root in
+ * double is rounded to float.
+ *
+ * As that root is slow, it is approached from the root y of the sum in float: with the rest r of the sum
+ * beyond y^2, which is exact, it is y + r / 2y, where floats do for the quotient; what is left is an error
+ * below 2^-46 of the root. So the float is the right one unless the root comes that near to the middle
+ * between two floats. Only there, and for sums that are too small or too great for floats, the root in double
+ * is taken.
+ */
 struct Magnitude {
     /** Half a vector: in double it fills one. */
     using Tag = hn::Half<hn::ScalableTag<float>>;
@@ -49,8 +58,29 @@ struct Magnitude {
         const hn::Rebind<double, D> dd;
         const auto parts = loadParts(d, src + 2 * x);
         const auto re = hn::PromoteTo(dd, parts.re), im = hn::PromoteTo(dd, parts.im);
-        const auto root = hn::Sqrt(hn::Add(hn::Mul(re, re), hn::Mul(im, im)));
-        store(withOneNaN(d, hn::DemoteTo(d, root)), d, dst + x);
+        const auto sum = hn::Add(hn::Mul(re, re), hn::Mul(im, im));
+        const auto root = hn::Sqrt(hn::DemoteTo(d, sum));
+        const auto y = hn::PromoteTo(dd, root);
+        const auto rest = hn::DemoteTo(d, hn::Sub(sum, hn::Mul(y, y)));
+        const auto closer = hn::Add(y, hn::PromoteTo(dd, hn::Div(rest, hn::Add(root, root))));
+        const auto fits = hn::And(hn::Gt(sum, hn::Set(dd, 0x1p-100)), hn::Lt(sum, hn::Set(dd, 0x1p100)));
+        if (HWY_LIKELY(hn::AllTrue(dd, hn::AndNot(isNearMiddle(dd, closer), fits))))
+            store(hn::DemoteTo(d, closer), d, dst + x);
+        else
+            store(withOneNaN(d, hn::DemoteTo(d, hn::Sqrt(sum))), d, dst + x);
+    }
+
+private:
+    /** Whether the bits that a float does not have are one half of its last bit, but for 2^-44 of the whole.
+     */
+    template <class D> static HWY_INLINE hn::Mask<D> isNearMiddle(D dd, hn::Vec<D> v)
+    {
+        const hn::RebindToUnsigned<D> dBits;
+        constexpr uint64_t lost = (uint64_t {1} << 29) - 1, half = uint64_t {1} << 28, margin = 256;
+        const auto bits = hn::And(hn::BitCast(dBits, v), hn::Set(dBits, lost));
+        const auto distance = hn::Sub(bits, hn::Set(dBits, half - margin));
+        return hn::RebindMask(
+            dd, hn::Eq(hn::And(distance, hn::Set(dBits, ~(2 * margin - 1))), hn::Zero(dBits)));
     }
 };
 

@@ -19,7 +19,10 @@ namespace {
 struct Twist {
     float rows[3][4];
 
-    template <class D> HWY_INLINE Planes<D> vector(D d, Planes<D> in) const { return inFloats(d, *this, in); }
+    template <class D> HWY_INLINE Quarters<D> vector(D d, Planes<D> in) const
+    {
+        return inFloats(d, *this, in);
+    }
 
     template <class DF, class VF>
     HWY_INLINE void operator()(DF df, VF c0, VF c1, VF c2, VF& r0, VF& r1, VF& r2) const

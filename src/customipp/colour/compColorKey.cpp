@@ -64,7 +64,7 @@ struct KeyOfThree {
                 hn::And(hn::Eq(planes.first, hn::Set(d, key[0])), hn::Eq(planes.second, hn::Set(d, key[1]))),
                 hn::Eq(planes.third, hn::Set(d, key[2]))));
         HWY_ALIGN uint8_t mask[3 * hn::MaxLanes(D())];
-        storePlanes<3>(d, Planes<D> {isKey, isKey, isKey}, mask);
+        storeQuarters<3>(d, quartersOf(d, Planes<D> {isKey, isKey, isKey}), mask);
         return {hn::IfVecThenElse(hn::Load(d, mask), hn::LoadU(d, b), hn::LoadU(d, a)),
             hn::IfVecThenElse(hn::Load(d, mask + n), hn::LoadU(d, b + n), hn::LoadU(d, a + n)),
             hn::IfVecThenElse(hn::Load(d, mask + 2 * n), hn::LoadU(d, b + 2 * n), hn::LoadU(d, a + 2 * n))};

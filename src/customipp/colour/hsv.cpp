@@ -41,19 +41,15 @@ template <int K, class V16> HWY_INLINE auto quarter(Halves<V16> v)
     return hn::ConvertTo(df, hn::And(half, hn::Set(d32, K < 2 ? 0x0000FFFF : int32_t(0xFFFF0000))));
 }
 
-/** factor * a / b, rounded. The product is exact, and so the quotient lies on a tie only where it should. */
-template <int K, class V16> HWY_INLINE auto roundedRatio(float factor, Halves<V16> a, Halves<V16> b)
+/**
+ * factor * a / b, rounded, for a product of at most 255 b. The product is exact, and so the quotient lies on
+ * a tie only where it should. (An estimated reciprocal, corrected, takes longer.) 0 / 0 gives NaN, whose low
+ * bytes are 0.
+ */
+template <class VF> HWY_INLINE VF roundedRatio(float factor, VF a, VF b)
 {
-    const hn::Repartition<float, hn::DFromV<V16>> df;
-    const auto quotient = hn::Div(hn::Mul(quarter<K>(a), hn::Set(df, factor)), quarter<K>(b));
-    return hn::Add(quotient, hn::Set(df, integerInFloat));
-}
-
-template <class D, class V16>
-HWY_INLINE hn::Vec<D> roundedRatios(D d, float factor, Halves<V16> a, Halves<V16> b)
-{
-    return planeOfQuarters(d, roundedRatio<0>(factor, a, b), roundedRatio<1>(factor, a, b),
-        roundedRatio<2>(factor, a, b), roundedRatio<3>(factor, a, b));
+    const hn::DFromV<VF> df;
+    return hn::Add(hn::Div(hn::Mul(a, hn::Set(df, factor)), b), hn::Set(df, integerInFloat));
 }
 
 /**
@@ -63,7 +59,7 @@ HWY_INLINE hn::Vec<D> roundedRatios(D d, float factor, Halves<V16> a, Halves<V16
 alignas(16) constexpr uint8_t sectorOf[16] = {0, 1, 5, 0, 0, 2, 4, 3};
 
 struct RGBToHSV {
-    template <class D> HWY_INLINE Planes<D> vector(D d, Planes<D> rgb) const
+    template <class D> HWY_INLINE Quarters<D> vector(D d, Planes<D> rgb) const
     {
         const auto r = rgb.first, g = rgb.second, b = rgb.third;
         const auto greatest = hn::Max(hn::Max(r, g), b), least = hn::Min(hn::Min(r, g), b);
@@ -81,9 +77,18 @@ struct RGBToHSV {
         const auto spans = widen(d, span), sectors16 = widen(d, sector), parts = widen(d, part);
         const Halves<decltype(spans.even)> turns {hn::Add(hn::Mul(sectors16.even, spans.even), parts.even),
             hn::Add(hn::Mul(sectors16.odd, spans.odd), parts.odd)};
-        const auto grey = hn::Eq(span, hn::Zero(d)); // 0 / 0
-        return {hn::IfThenZeroElse(grey, roundedRatios(d, 42.5f, turns, spans)),
-            hn::IfThenZeroElse(grey, roundedRatios(d, 255.0f, spans, widen(d, greatest))), greatest};
+        const auto values = widen(d, greatest);
+        return joinPlane(d, hueAndSaturation<0>(turns, spans, values),
+            hueAndSaturation<1>(turns, spans, values), hueAndSaturation<2>(turns, spans, values),
+            hueAndSaturation<3>(turns, spans, values), greatest);
+    }
+
+    template <int K, class V16>
+    static HWY_INLINE auto hueAndSaturation(Halves<V16> turns, Halves<V16> spans, Halves<V16> values)
+    {
+        const auto span = quarter<K>(spans);
+        return joinBytes(
+            roundedRatio(42.5f, quarter<K>(turns), span), roundedRatio(255.0f, span, quarter<K>(values)));
     }
 
     void pixel(const uint8_t* from, uint8_t* to) const
@@ -121,7 +126,7 @@ struct HSVToRGB {
     static constexpr int third = 85; // of the hues; 255 is 0 again
     static constexpr int whole = 255 * third; // saturation times the greatest distance within a third
 
-    template <class D> HWY_INLINE Planes<D> vector(D d, Planes<D> hsv) const
+    template <class D> HWY_INLINE Quarters<D> vector(D d, Planes<D> hsv) const
     {
         const auto h = hsv.first, s = hsv.second, v = hsv.third;
         const auto thirds = hn::Set(d, third);
@@ -147,9 +152,10 @@ struct HSVToRGB {
         const auto secondHalf = hn::Lt(thirds, twice);
         const auto one = hn::IfThenElse(secondHalf, between, v),
                    other = hn::IfThenElse(secondHalf, v, between);
-        return {hn::IfThenElse(inThird, other, hn::IfThenElse(inSecond, least, one)),
-            hn::IfThenElse(inThird, least, hn::IfThenElse(inSecond, one, other)),
-            hn::IfThenElse(inThird, one, hn::IfThenElse(inSecond, other, least))};
+        return quartersOf(d,
+            Planes<D> {hn::IfThenElse(inThird, other, hn::IfThenElse(inSecond, least, one)),
+                hn::IfThenElse(inThird, least, hn::IfThenElse(inSecond, one, other)),
+                hn::IfThenElse(inThird, one, hn::IfThenElse(inSecond, other, least))});
     }
 
     /** a * b / 255, rounded; x / 255 is (t + t / 256) / 256 with t = x + 128, for x up to 255 * 255. */

@@ -15,9 +15,8 @@ namespace customipp {
 namespace HWY_NAMESPACE {
 
 /**
- * As many pixels as a vector has bytes, channel by channel. The pixels are not in the order of the row: byte
- * k of each 32-bit lane belongs to quarter k of the pixels. Nothing but loadPlanes and storePlanes has to
- * know.
+ * As many pixels as a vector has bytes, channel by channel. Byte k of each 32-bit lane belongs to quarter k
+ * of the pixels, so that a quarter is taken out, or put in, without moving anything across lanes.
  */
 template <class D> struct Planes {
     hn::Vec<D> first;
@@ -55,17 +54,14 @@ template <size_t Channels, size_t Part, class D> HWY_INLINE hn::Vec<D> loadApart
 template <class D>
 HWY_INLINE Planes<D> planesOf(D d, hn::Vec<D> q0, hn::Vec<D> q1, hn::Vec<D> q2, hn::Vec<D> q3)
 {
-    const hn::Repartition<uint32_t, D> d32;
-    const hn::Repartition<uint64_t, D> d64;
-    const auto a = hn::BitCast(d32, q0), b = hn::BitCast(d32, q1);
-    const auto c = hn::BitCast(d32, q2), e = hn::BitCast(d32, q3);
-    const auto lowerAB = hn::BitCast(d64, hn::InterleaveLower(d32, a, b));
-    const auto lowerCE = hn::BitCast(d64, hn::InterleaveLower(d32, c, e));
-    const auto upperAB = hn::BitCast(d64, hn::InterleaveUpper(d32, a, b));
-    const auto upperCE = hn::BitCast(d64, hn::InterleaveUpper(d32, c, e));
-    return {hn::BitCast(d, hn::InterleaveLower(d64, lowerAB, lowerCE)),
-        hn::BitCast(d, hn::InterleaveUpper(d64, lowerAB, lowerCE)),
-        hn::BitCast(d, hn::InterleaveLower(d64, upperAB, upperCE))};
+    const hn::Repartition<uint16_t, D> d16;
+    const auto lower01 = hn::BitCast(d16, hn::InterleaveLower(d, q0, q1));
+    const auto lower23 = hn::BitCast(d16, hn::InterleaveLower(d, q2, q3));
+    const auto upper01 = hn::BitCast(d16, hn::InterleaveUpper(d, q0, q1));
+    const auto upper23 = hn::BitCast(d16, hn::InterleaveUpper(d, q2, q3));
+    return {hn::BitCast(d, hn::InterleaveLower(d16, lower01, lower23)),
+        hn::BitCast(d, hn::InterleaveUpper(d16, lower01, lower23)),
+        hn::BitCast(d, hn::InterleaveLower(d16, upper01, upper23))};
 }
 
 /** Lanes(d) pixels of three or four bytes; a fourth channel is not looked at. */
@@ -101,13 +97,46 @@ template <size_t Part, class D, class V32> HWY_INLINE auto together(D d, V32 pix
     return hn::BitCast(hn::DFromV<V32>(), reorder(d, hn::BitCast(d, pixels), order));
 }
 
-/** Four quarters of pixels of three bytes in lanes of four. */
-template <class D, class V32> HWY_INLINE void storeThree(D d, V32 q0, V32 q1, V32 q2, V32 q3, uint8_t* to)
+/** The same pixels, quarter by quarter, in the lower three bytes of their lanes; what is in the fourth does
+ * not matter. */
+template <class D> struct Quarters {
+    hn::Vec<hn::Repartition<uint32_t, D>> q0, q1, q2, q3;
+};
+
+/** Two channels in the lower halves of the lanes, and a third one in byte 2. */
+template <class V32> HWY_INLINE V32 joinThird(V32 lower, V32 third)
 {
-    const hn::DFromV<V32> d32;
+    const hn::Repartition<uint16_t, hn::DFromV<V32>> d16;
+    return hn::BitCast(hn::DFromV<V32>(), hn::OddEven(hn::BitCast(d16, third), hn::BitCast(d16, lower)));
+}
+
+/** The same with a plane as the third channel. */
+template <class D, class V32>
+HWY_INLINE Quarters<D> joinPlane(D, V32 q0, V32 q1, V32 q2, V32 q3, hn::Vec<D> third)
+{
+    const auto v = hn::BitCast(hn::DFromV<V32>(), third);
+    return {joinThird(q0, hn::ShiftLeft<16>(v)), joinThird(q1, hn::ShiftLeft<8>(v)), joinThird(q2, v),
+        joinThird(q3, hn::ShiftRight<8>(v))};
+}
+
+template <class D> HWY_INLINE Quarters<D> quartersOf(D d, Planes<D> planes)
+{
+    const hn::Repartition<uint16_t, D> d16;
+    const hn::Repartition<uint32_t, D> d32;
+    const auto low = hn::Set(d16, 0x00FF);
+    const auto first = hn::BitCast(d16, planes.first), second = hn::BitCast(d16, planes.second);
+    const auto even = hn::BitCast(d32, hn::IfVecThenElse(low, first, hn::ShiftLeft<8>(second)));
+    const auto odd = hn::BitCast(d32, hn::IfVecThenElse(low, hn::ShiftRight<8>(first), second));
+    return joinPlane(d, even, odd, hn::ShiftRight<16>(even), hn::ShiftRight<16>(odd), planes.third);
+}
+
+/** Pixels of three bytes. */
+template <class D> HWY_INLINE void storeThree(D d, Quarters<D> pixels, uint8_t* to)
+{
+    const hn::Repartition<uint32_t, D> d32;
     const size_t n = hn::Lanes(d), quarter = n / 16;
-    const auto p0 = together<0>(d, q0), p1 = together<1>(d, q1);
-    const auto p2 = together<2>(d, q2), p3 = together<3>(d, q3);
+    const auto p0 = together<0>(d, pixels.q0), p1 = together<1>(d, pixels.q1);
+    const auto p2 = together<2>(d, pixels.q2), p3 = together<3>(d, pixels.q3);
     hn::StoreU(hn::BitCast(d, hn::IfThenElse(hn::FirstN(d32, 3 * quarter), p0, p1)), d, to);
     hn::StoreU(hn::BitCast(d, hn::IfThenElse(hn::FirstN(d32, 2 * quarter), p1, p2)), d, to + n);
     hn::StoreU(hn::BitCast(d, hn::IfThenElse(hn::FirstN(d32, quarter), p2, p3)), d, to + 2 * n);
@@ -117,39 +146,28 @@ template <class D, class V32> HWY_INLINE void storeThree(D d, V32 q0, V32 q1, V3
 template <class D, class V32> HWY_INLINE void storeKeepingAlpha(D d, V32 pixels, uint8_t* to)
 {
     const hn::DFromV<V32> d32;
-    const auto alpha = hn::And(hn::BitCast(d32, hn::LoadU(d, to)), hn::Set(d32, 0xFF000000u));
-    hn::StoreU(hn::BitCast(d, hn::Or(pixels, alpha)), d, to);
+    const auto alpha = hn::Set(d32, 0xFF000000u), before = hn::BitCast(d32, hn::LoadU(d, to));
+    hn::StoreU(hn::BitCast(d, hn::IfVecThenElse(alpha, before, pixels)), d, to);
 }
 
 /** The inverse of loadPlanes; a fourth channel keeps what it holds. */
-template <size_t Channels, class D> HWY_INLINE void storePlanes(D d, Planes<D> planes, uint8_t* to)
+template <size_t Channels, class D> HWY_INLINE void storeQuarters(D d, Quarters<D> pixels, uint8_t* to)
 {
-    const hn::Repartition<uint16_t, D> d16;
-    const hn::Repartition<uint32_t, D> d32;
-    const auto zero = hn::Zero(d);
-    const auto lower = hn::BitCast(d16, hn::InterleaveLower(d, planes.first, planes.second));
-    const auto upper = hn::BitCast(d16, hn::InterleaveUpper(d, planes.first, planes.second));
-    const auto lowerThird = hn::BitCast(d16, hn::InterleaveLower(d, planes.third, zero));
-    const auto upperThird = hn::BitCast(d16, hn::InterleaveUpper(d, planes.third, zero));
-    const auto q0 = hn::BitCast(d32, hn::InterleaveLower(d16, lower, lowerThird));
-    const auto q1 = hn::BitCast(d32, hn::InterleaveUpper(d16, lower, lowerThird));
-    const auto q2 = hn::BitCast(d32, hn::InterleaveLower(d16, upper, upperThird));
-    const auto q3 = hn::BitCast(d32, hn::InterleaveUpper(d16, upper, upperThird));
     if constexpr (Channels == 3) {
-        storeThree(d, q0, q1, q2, q3, to);
+        storeThree(d, pixels, to);
     } else {
         const size_t n = hn::Lanes(d);
-        storeKeepingAlpha(d, q0, to);
-        storeKeepingAlpha(d, q1, to + n);
-        storeKeepingAlpha(d, q2, to + 2 * n);
-        storeKeepingAlpha(d, q3, to + 3 * n);
+        storeKeepingAlpha(d, pixels.q0, to);
+        storeKeepingAlpha(d, pixels.q1, to + n);
+        storeKeepingAlpha(d, pixels.q2, to + 2 * n);
+        storeKeepingAlpha(d, pixels.q3, to + 3 * n);
     }
 }
 
 /**
- * Covers a row of n pixels by op.vector(d, planes); a row shorter than the shortest vector goes by
- * op.pixel(from, to). The last vector ends with the row: it is computed before the others are stored, so that
- * the row may be its own destination.
+ * Covers a row of n pixels by op.vector(d, planes), which gives quarters; a row shorter than the shortest
+ * vector goes by op.pixel(from, to). The last vector ends with the row: it is computed before the others are
+ * stored, so that the row may be its own destination.
  */
 template <size_t Channels, class Op, class D>
 HWY_INLINE void colourRow(D d, const Op& op, const uint8_t* src, uint8_t* dst, size_t n)
@@ -159,8 +177,8 @@ HWY_INLINE void colourRow(D d, const Op& op, const uint8_t* src, uint8_t* dst, s
         const size_t end = Channels * (n - step);
         const auto last = op.vector(d, loadPlanes<Channels>(d, src + end));
         for (size_t i = 0; i < end; i += Channels * step)
-            storePlanes<Channels>(d, op.vector(d, loadPlanes<Channels>(d, src + i)), dst + i);
-        storePlanes<Channels>(d, last, dst + end);
+            storeQuarters<Channels>(d, op.vector(d, loadPlanes<Channels>(d, src + i)), dst + i);
+        storeQuarters<Channels>(d, last, dst + end);
     } else if constexpr (hn::MaxLanes(d) > 16) {
         colourRow<Channels>(hn::Half<D>(), op, src, dst, n);
     } else {

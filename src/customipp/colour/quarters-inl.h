@@ -1,4 +1,4 @@
-// Quarters of the pixels of a plane as floats, and back. Compiled once for each instruction set.
+// Quarters of the pixels of a plane as floats, and floats as pixels. Compiled once for each instruction set.
 
 #if defined(CUSTOMIPP_COLOUR_QUARTERS_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef CUSTOMIPP_COLOUR_QUARTERS_INL_H
@@ -13,8 +13,11 @@ HWY_BEFORE_NAMESPACE();
 namespace customipp {
 namespace HWY_NAMESPACE {
 
-/** Added to a number from 0 to 255 this leaves it in the low byte, rounded to nearest with ties to even. */
-inline constexpr float integerInFloat = 12582912.0f; // 1.5 * 2^23
+/**
+ * Added to a number from 0 to 255 this leaves it in the low byte, rounded to nearest with ties to even, and 0
+ * in the two bytes above.
+ */
+inline constexpr float integerInFloat = 8388608.0f; // 2^23
 
 /** Quarter K of a plane: byte K of each 32-bit lane. */
 template <int K, class D> HWY_INLINE auto floatsOfQuarter(D d, hn::Vec<D> plane)
@@ -30,35 +33,35 @@ template <int K, class D> HWY_INLINE auto floatsOfQuarter(D d, hn::Vec<D> plane)
     return hn::ConvertTo(df, hn::BitCast(d32, bits));
 }
 
-/** The low bytes of four quarters to their places in a plane; the byte above each is 0. */
-template <class D, class VF> HWY_INLINE hn::Vec<D> planeOfQuarters(D d, VF q0, VF q1, VF q2, VF q3)
+/** The low bytes of floats in the lower halves of the lanes. */
+template <class VF> HWY_INLINE auto joinBytes(VF first, VF second)
 {
-    const hn::Repartition<uint16_t, D> d16;
-    const hn::Repartition<uint32_t, D> d32;
-    const auto lower = hn::Or(hn::BitCast(d32, q0), hn::ShiftLeft<8>(hn::BitCast(d32, q1)));
-    const auto upper = hn::Or(hn::BitCast(d32, q2), hn::ShiftLeft<8>(hn::BitCast(d32, q3)));
-    return hn::BitCast(d, hn::OddEven(hn::BitCast(d16, hn::ShiftLeft<16>(upper)), hn::BitCast(d16, lower)));
+    const hn::Repartition<uint32_t, hn::DFromV<VF>> d32;
+    return hn::Or(hn::BitCast(d32, first), hn::ShiftLeft<8>(hn::BitCast(d32, second)));
 }
 
-/**
- * Op on the channels of each pixel as floats: op(df, c0, c1, c2, r0, r1, r2) gives the new ones, with the
- * numbers in the low bytes and the bytes above them 0.
- */
-template <class Op, class D> HWY_INLINE Planes<D> inFloats(D d, const Op& op, Planes<D> in)
+/** The low bytes of four quarters to their places in a plane. */
+template <class D, class VF> HWY_INLINE hn::Vec<D> planeOfQuarters(D d, VF q0, VF q1, VF q2, VF q3)
 {
+    return hn::BitCast(d, joinThird(joinBytes(q0, q1), hn::ShiftLeft<16>(joinBytes(q2, q3))));
+}
+
+/** Op on quarter K of planes, as floats: op(df, c0, c1, c2, r0, r1, r2) gives new channels in the low bytes.
+ */
+template <int K, class Op, class D> HWY_INLINE auto quarterInFloats(D d, const Op& op, Planes<D> in)
+{
+    const hn::Repartition<uint32_t, D> d32;
     const hn::Repartition<float, D> df;
-    using VF = hn::Vec<decltype(df)>;
-    VF a0, a1, a2, a3, b0, b1, b2, b3, c0, c1, c2, c3;
-    op(df, floatsOfQuarter<0>(d, in.first), floatsOfQuarter<0>(d, in.second), floatsOfQuarter<0>(d, in.third),
-        a0, b0, c0);
-    op(df, floatsOfQuarter<1>(d, in.first), floatsOfQuarter<1>(d, in.second), floatsOfQuarter<1>(d, in.third),
-        a1, b1, c1);
-    op(df, floatsOfQuarter<2>(d, in.first), floatsOfQuarter<2>(d, in.second), floatsOfQuarter<2>(d, in.third),
-        a2, b2, c2);
-    op(df, floatsOfQuarter<3>(d, in.first), floatsOfQuarter<3>(d, in.second), floatsOfQuarter<3>(d, in.third),
-        a3, b3, c3);
-    return {planeOfQuarters(d, a0, a1, a2, a3), planeOfQuarters(d, b0, b1, b2, b3),
-        planeOfQuarters(d, c0, c1, c2, c3)};
+    hn::Vec<decltype(df)> first, second, third;
+    op(df, floatsOfQuarter<K>(d, in.first), floatsOfQuarter<K>(d, in.second), floatsOfQuarter<K>(d, in.third),
+        first, second, third);
+    return joinThird(joinBytes(first, second), hn::ShiftLeft<16>(hn::BitCast(d32, third)));
+}
+
+template <class Op, class D> HWY_INLINE Quarters<D> inFloats(D d, const Op& op, Planes<D> in)
+{
+    return {quarterInFloats<0>(d, op, in), quarterInFloats<1>(d, op, in), quarterInFloats<2>(d, op, in),
+        quarterInFloats<3>(d, op, in)};
 }
 
 } // namespace HWY_NAMESPACE

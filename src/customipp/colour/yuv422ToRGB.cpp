@@ -39,11 +39,11 @@ template <size_t Part, class D> HWY_INLINE hn::Vec<D> yuvApart(D d, hn::Vec<D> v
 }
 
 /**
- * Results are multiples of 1/1000, or rounded away from them by much less; so rounded to multiples of 1/1024,
- * which this constant does, ties become exact and nothing else becomes a tie. It makes no difference whether
- * a processor fuses a product and a sum.
+ * Results are multiples of 1/1000, rounded away from them by much less than half of 1/1024. Added to a number
+ * from 0 to 255 this constant rounds it to a multiple of 1/1024: so ties become exact and nothing else
+ * becomes a tie. It makes no difference whether a processor fuses a product and a sum.
  */
-constexpr float grid = 12288.0f; // 1.5 * 2^13
+constexpr float grid = 8192.0f; // 2^13
 
 struct ToRGB {
     template <class DF, class VF>
@@ -89,7 +89,7 @@ struct Row {
         const auto first = hn::LoadU(d, src + 2 * x), second = hn::LoadU(d, src + 2 * x + hn::Lanes(d));
         const auto yuv = planesOf(
             d, yuvApart<0>(d, first), yuvApart<1>(d, first), yuvApart<2>(d, second), yuvApart<3>(d, second));
-        storePlanes<3>(d, inFloats(d, ToRGB(), yuv), dst + 3 * x);
+        storeQuarters<3>(d, inFloats(d, ToRGB(), yuv), dst + 3 * x);
     }
     HWY_INLINE void one(size_t x) const
     {

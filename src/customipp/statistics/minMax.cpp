@@ -18,7 +18,7 @@ namespace {
 /** The least and the greatest so far, lane by lane. A NaN replaces neither. */
 template <class T> struct Extremes {
     static constexpr size_t chains = 4;
-    static constexpr size_t takesBeforeFlush = ~size_t {0};
+    static constexpr size_t takesBeforeFlush = neverFlush;
     using D = hn::ScalableTag<T>;
     using V = hn::Vec<D>;
     using Limits = std::numeric_limits<T>;
@@ -37,14 +37,43 @@ template <class T> struct Extremes {
 private:
     HWY_INLINE void take(V low, V high)
     {
-        // These processors answer with the second operand when one is NaN; others answer with the NaN.
-        if constexpr (HWY_ARCH_X86 || !hwy::IsFloat<T>()) {
-            least = hn::Min(low, least);
-            greatest = hn::Max(high, greatest);
-        } else {
-            least = hn::IfThenElse(hn::Lt(low, least), low, least);
-            greatest = hn::IfThenElse(hn::Gt(high, greatest), high, greatest);
+        least = lesserOf(low, least);
+        greatest = greaterOf(high, greatest);
+    }
+};
+
+/**
+ * Lanes as they lie in memory, with the same channel at the same place of every block: for folds that keep
+ * their lanes apart. The unit is the lane.
+ */
+template <class T, int Channels> struct LanesOf {
+    using D = hn::ScalableTag<T>;
+    static constexpr size_t vectors = Channels == 3 ? 3 : 1;
+    static constexpr size_t step = vectors * hn::MaxLanes(D());
+    using Memory = T[step];
+    const T* row;
+
+    HWY_INLINE explicit LanesOf(const T* from) : row(from) {}
+    HWY_INLINE LanesOf(const Operands<T>& operands, size_t y) : row(operands.pixels.row(y)) {}
+
+    HWY_INLINE Block<hn::Vec<D>, vectors> block(size_t x) const
+    {
+        Block<hn::Vec<D>, vectors> result;
+        result.v[0] = hn::LoadU(D(), row + x);
+        if constexpr (vectors == 3) {
+            result.v[1] = hn::LoadU(D(), row + x + hn::MaxLanes(D()));
+            result.v[2] = hn::LoadU(D(), row + x + 2 * hn::MaxLanes(D()));
         }
+        return result;
+    }
+    /** Repeats pixels of the row, as a pixel may count twice. */
+    HWY_INLINE LanesOf rest(size_t x, size_t n, Memory& memory) const
+    {
+        if (n >= step)
+            return LanesOf(row + n - step);
+        for (size_t filled = 0; filled < step; filled += n - x)
+            std::memcpy(memory + filled, row + x, std::min(n - x, step - filled) * sizeof(T));
+        return LanesOf(memory);
     }
 };
 
@@ -65,16 +94,12 @@ HWY_INLINE void intoChannels(const Extremes<T>& fold, MinMaxResult<T> result)
     }
 }
 
-template <class T, int Channels> struct LaneRows {
-    Rows<const T> pixels;
-
-    HWY_INLINE LanesOf<T, Channels> row(size_t y) const { return {pixels.row(y)}; }
-};
-
-template <class T, int Channels> void minMax(Rows<const T> pixels, Extent extent, MinMaxResult<T> result)
+template <class T, int Channels> void minMax(const Operands<T>& operands, MinMaxResult<T> result)
 {
     Reduction<LanesOf<T, Channels>, Extremes<T>> reduction;
-    reduceRows(reduction, LaneRows<T, Channels> {pixels}, extent);
+    const Extent pixels = extentOfPixels(operands, Channels, true);
+    reduction.takeRows(operands, {pixels.lanes * Channels, pixels.rows});
+    reduction.joinSets();
     T least[Channels], greatest[Channels];
     intoChannels<Channels, 0, T>(reduction.folds[0], {least, greatest});
     if constexpr (Channels == 3) {

@@ -1,9 +1,6 @@
 #pragma once
 
-#include "../checks.h"
-#include "../rows.h"
-
-#include <customipp/customipp.h>
+#include "reduce.h"
 
 #include <tuple>
 
@@ -17,7 +14,7 @@ template <class T> struct MinMaxResult {
 
 /** What finds the extremes of pixels of one type and number of channels. */
 template <class T, int Channels> struct MinMaxKernel {
-    void (*run)(Rows<const T> pixels, Extent extent, MinMaxResult<T> result);
+    void (*run)(const Operands<T>& operands, MinMaxResult<T> result);
 };
 
 using MinMaxKernels = std::tuple<MinMaxKernel<Ipp8u, 1>, MinMaxKernel<Ipp8u, 3>, MinMaxKernel<Ipp8u, 4>,
@@ -27,12 +24,12 @@ using MinMaxKernels = std::tuple<MinMaxKernel<Ipp8u, 1>, MinMaxKernel<Ipp8u, 3>,
 template <class T, int Channels>
 IppStatus runMinMax(const MinMaxKernels& kernels, Rows<const T> pixels, IppiSize size, MinMaxResult<T> result)
 {
-    if (const IppStatus status
-        = checkArguments({pixels.first, result.least, result.greatest}, size, {pixels.step}))
+    const Operands<T> operands {pixels, {}, {}, size};
+    if (!result.least)
+        return ippStsNullPtrErr;
+    if (const IppStatus status = checkOperands<false>(operands, Channels, result.greatest))
         return status;
-    if (const IppStatus status = checkStrictSteps(size.width, {{pixels.step, Channels * int {sizeof(T)}, 1}}))
-        return status;
-    std::get<MinMaxKernel<T, Channels>>(kernels).run(pixels, extentOf(size, Channels, pixels), result);
+    std::get<MinMaxKernel<T, Channels>>(kernels).run(operands, result);
     return ippStsNoErr;
 }
 
@@ -42,7 +39,7 @@ IppStatus runSignalMinMax(const MinMaxKernels& kernels, const T* src, int len, M
 {
     if (const IppStatus status = checkArguments({src, result.least, result.greatest}, {len, 1}, {}))
         return status;
-    std::get<MinMaxKernel<T, 1>>(kernels).run({src, 0}, {static_cast<size_t>(len), 1}, result);
+    std::get<MinMaxKernel<T, 1>>(kernels).run({{src, 0}, {}, {}, {len, 1}}, result);
     return ippStsNoErr;
 }
 

@@ -1,16 +1,16 @@
 // Reductions: a source gives the pixels of a row in blocks of vectors, folds take them in. Compiled once for
 // every target.
 //
-// A source gives blocks of `vectors` vectors. Places and lengths along its row are in its own unit, of which
-// a block holds `step`: lanes or pixels. block(x) is the block at x; rest(x, n, memory) is a source for the
-// block that holds what remains of a row of n from x on, less than a block, in the given memory; what is
-// behind the row's end in that block changes no result.
+// A source is made from the operands and the number of a row, and gives blocks of `vectors` vectors. Places
+// and lengths along its row are in its own unit, of which a block holds `step`: lanes or pixels. block(x) is
+// the block at x; rest(x, n, memory) is a source for the block that holds what remains of a row of n from x
+// on, less than a block; what it has behind the row's end changes no result: zeros, unless it says otherwise.
 //
 // A fold takes in the vectors of one place of the block: take(v). At least `chains` folds are at work at
 // once, so that one does not wait for another; those of the same place are joined in the end: join(fold). A
 // fold whose lanes would overflow says after how many vectors it wants flush(). Where the order counts, as
-// for sums of floats, there is one set, and the vectors of a block hold the same number of lanes on every
-// target: the lanes of a block are the terms of separate sums.
+// for sums of floats, one chain is enough, and the blocks hold the same number of lanes on every target: each
+// lane of a block is a sum of its own.
 
 #if defined(CUSTOMIPP_STATISTICS_REDUCE_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef CUSTOMIPP_STATISTICS_REDUCE_INL_H
@@ -19,7 +19,7 @@
 #define CUSTOMIPP_STATISTICS_REDUCE_INL_H
 #endif
 
-#include "../rows.h"
+#include "reduce.h"
 
 #include <hwy/highway.h>
 
@@ -34,42 +34,31 @@ namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
+/** What a fold says that can take any number of vectors. */
+inline constexpr size_t neverFlush = ~size_t {0};
+
 template <class V, size_t Count> struct Block {
     V v[Count];
 };
 
-/**
- * Lanes as they lie in memory, with the same channel at the same place of every block: for folds that keep
- * their lanes apart. The unit is the lane.
- */
-template <class T, int Channels> struct LanesOf {
-    using D = hn::ScalableTag<T>;
-    static constexpr size_t vectors = Channels == 3 ? 3 : 1;
-    static constexpr size_t step = vectors * hn::MaxLanes(D());
-    using Memory = T[step];
-    const T* row;
+// The lesser and the greater of two, lane by lane; the one that was kept so far if the next is NaN.
 
-    HWY_INLINE Block<hn::Vec<D>, vectors> block(size_t x) const
-    {
-        Block<hn::Vec<D>, vectors> result;
-        result.v[0] = hn::LoadU(D(), row + x);
-        if constexpr (vectors == 3) {
-            result.v[1] = hn::LoadU(D(), row + x + hn::MaxLanes(D()));
-            result.v[2] = hn::LoadU(D(), row + x + 2 * hn::MaxLanes(D()));
-        }
-        return result;
-    }
+template <class V> HWY_INLINE V lesserOf(V next, V kept)
+{
+    // These processors answer with the second operand when one is NaN; others answer with the NaN.
+    if constexpr (HWY_ARCH_X86 || !hwy::IsFloat<hn::TFromV<V>>())
+        return hn::Min(next, kept);
+    else
+        return hn::IfThenElse(hn::Lt(next, kept), next, kept);
+}
 
-    /** Repeats pixels of the row, so this is for folds that may take a pixel twice. */
-    HWY_INLINE LanesOf rest(size_t x, size_t n, Memory& memory) const
-    {
-        if (n >= step)
-            return {row + n - step};
-        for (size_t filled = 0; filled < step; filled += n - x)
-            std::memcpy(memory + filled, row + x, std::min(n - x, step - filled) * sizeof(T));
-        return {memory};
-    }
-};
+template <class V> HWY_INLINE V greaterOf(V next, V kept)
+{
+    if constexpr (HWY_ARCH_X86 || !hwy::IsFloat<hn::TFromV<V>>())
+        return hn::Max(next, kept);
+    else
+        return hn::IfThenElse(hn::Gt(next, kept), next, kept);
+}
 
 /** All folds of a reduction: sets of one for each vector of a source's block, which take turns. */
 template <class Source, class Fold> struct Reduction {
@@ -93,14 +82,31 @@ template <class Source, class Fold> struct Reduction {
             flush(std::make_index_sequence<sets * vectors>());
         }
         if (x < n) {
-            alignas(64) typename Source::Memory memory;
+            typename Source::Memory memory;
             takeBlock<0>(source.rest(x, n, memory).block(0), std::make_index_sequence<vectors>());
             flush(std::make_index_sequence<sets * vectors>());
         }
     }
 
+    /** Takes in all rows of the operands; rows of `extent.lanes` in the unit of the source. */
+    template <class T> HWY_INLINE void takeRows(const Operands<T>& operands, Extent extent)
+    {
+        for (size_t y = 0; y < extent.rows; ++y)
+            takeRow(Source(operands, y), extent.lanes);
+    }
+
     /** Joins the sets into the first one. */
-    HWY_INLINE void join() { joinSets(std::make_index_sequence<(sets - 1) * vectors>()); }
+    HWY_INLINE void joinSets() { joinFolds<vectors>(std::make_index_sequence<(sets - 1) * vectors>()); }
+
+    /** Joins the folds of a block into the first one: those of the second half into the first half, again and
+     * again, as then the order is the same for every number of vectors. */
+    template <size_t Count = vectors> HWY_INLINE void joinVectors()
+    {
+        if constexpr (Count > 1) {
+            joinFolds<Count / 2>(std::make_index_sequence<Count / 2>());
+            joinVectors<Count / 2>();
+        }
+    }
 
 private:
     template <size_t... Set>
@@ -114,20 +120,11 @@ private:
         (folds[Set * vectors + I].take(block.v[I]), ...);
     }
     template <size_t... I> HWY_INLINE void flush(std::index_sequence<I...>) { (folds[I].flush(), ...); }
-    template <size_t... I> HWY_INLINE void joinSets(std::index_sequence<I...>)
+    template <size_t Into, size_t... I> HWY_INLINE void joinFolds(std::index_sequence<I...>)
     {
-        (folds[I % vectors].join(folds[vectors + I]), ...);
+        (folds[I % Into].join(folds[Into + I]), ...);
     }
 };
-
-/** Takes in all rows of an image; `source` makes the source for the row of a number. */
-template <class Source, class Fold, class Image>
-HWY_INLINE void reduceRows(Reduction<Source, Fold>& io_reduction, const Image& image, Extent extent)
-{
-    for (size_t y = 0; y < extent.rows; ++y)
-        io_reduction.takeRow(image.row(y), extent.lanes);
-    io_reduction.join();
-}
 
 } // namespace
 } // namespace HWY_NAMESPACE

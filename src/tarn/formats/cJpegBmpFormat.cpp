@@ -7,6 +7,9 @@
 #include <QImageReader>
 #include <QImageWriter>
 #include <QVector>
+#include <QtEndian>
+#include <algorithm>
+#include <cstdlib>
 #include <limits>
 
 namespace {
@@ -59,6 +62,7 @@ cImg cQImageFormat::decode(const unsigned char* i_data, std::size_t i_size) cons
         raise(QStringLiteral("%1: damaged, or not of this format").arg(getName()));
     // QImage keeps colour in four bytes while it decodes.
     checkSize(quint64(size.width()), quint64(size.height()), 4);
+    checkEnd(i_data, i_size);
     QImage image;
     if (!reader.read(&image))
         raise(QStringLiteral("%1: %2").arg(getName(), reader.errorString()));
@@ -89,9 +93,50 @@ cJpegFormat::cJpegFormat()
 
 cImgIO* cJpegFormat::clone() const { return new cJpegFormat; }
 
+void cJpegFormat::checkEnd(const unsigned char* i_data, std::size_t i_size) const
+{
+    // From marker to marker; pictures within the first segments have ends of their own.
+    std::size_t place = 2;
+    while (place + 1 < i_size) {
+        const unsigned code = i_data[place + 1];
+        const bool isMarker = i_data[place] == 0xff && code != 0x00 && code != 0xff;
+        if (!isMarker || (code >= 0xd0 && code <= 0xd8) || code == 0x01) { // compressed bytes, or alone
+            ++place;
+            continue;
+        }
+        if (code == 0xd9)
+            return;
+        if (place + 3 >= i_size)
+            break;
+        place += 2 + qFromBigEndian<quint16>(i_data + place + 2);
+    }
+    raise(QStringLiteral("JPEG: the file ends too early"));
+}
+
 cBmpFormat::cBmpFormat()
     : cQImageFormat(QStringLiteral("BMP"), QStringLiteral("*.bmp"), QByteArrayLiteral("bmp"), -1)
 {
 }
 
 cImgIO* cBmpFormat::clone() const { return new cBmpFormat; }
+
+void cBmpFormat::checkEnd(const unsigned char* i_data, std::size_t i_size) const
+{
+    constexpr std::size_t header = 14, oldHeader = 12, usualHeader = 40;
+    if (i_size < header + oldHeader)
+        raise(QStringLiteral("BMP: the file ends within the header"));
+    const quint64 offset = qFromLittleEndian<quint32>(i_data + 10);
+    const bool old = qFromLittleEndian<quint32>(i_data + header) == oldHeader;
+    if (!old && i_size < header + usualHeader)
+        raise(QStringLiteral("BMP: the file ends within the header"));
+    const auto at
+        = [i_data](std::size_t i_place) { return qint64(qFromLittleEndian<qint32>(i_data + i_place)); };
+    const quint64 width = old ? qFromLittleEndian<quint16>(i_data + 18) : quint64(std::abs(at(18)));
+    const quint64 height = old ? qFromLittleEndian<quint16>(i_data + 20) : quint64(std::abs(at(22)));
+    const quint64 bits = qFromLittleEndian<quint16>(i_data + (old ? 24 : 28));
+    const quint32 coding = old ? 0 : quint32(at(30));
+    const bool isRunLength = coding == 1 || coding == 2;
+    // Of run lengths only the header tells how many bytes there are, if it does.
+    const quint64 rows = (width * bits + 31) / 32 * 4 * (height - 1) + (width * bits + 7) / 8;
+    checkLength(isRunLength ? quint32(at(34)) : rows, i_size - std::min<quint64>(offset, i_size));
+}

@@ -17,6 +17,8 @@ protected:
     cQImageFormat(const QString& i_name, const QString& i_filter, const QByteArray& i_format, int i_quality);
     void encode(const cImg& i_image, QIODevice& io_device) const override;
     bool canHold(cImgType::ImageTypes i_type, unsigned i_channels) const override;
+    /** `QImage` takes a file that was cut, and fills up the rest; so this throws if the file has no end. */
+    virtual void checkEnd(const unsigned char* i_data, std::size_t i_size) const = 0;
 
 private:
     const QByteArray m_format;
@@ -28,6 +30,9 @@ class cJpegFormat : public cQImageFormat {
 public:
     cJpegFormat();
     cImgIO* clone() const override;
+
+protected:
+    void checkEnd(const unsigned char* i_data, std::size_t i_size) const override;
 };
 
 /** Windows bitmaps. Holds `UInt8` and `RGB24`; files with alpha are read as `RGB32`. */
@@ -35,4 +40,7 @@ class cBmpFormat : public cQImageFormat {
 public:
     cBmpFormat();
     cImgIO* clone() const override;
+
+protected:
+    void checkEnd(const unsigned char* i_data, std::size_t i_size) const override;
 };

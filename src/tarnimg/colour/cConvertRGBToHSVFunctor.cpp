@@ -33,7 +33,5 @@ class cConvertRGBToHSVStation : public cFunctorStationT<cConvertRGBToHSVFunctor,
 static const cStationRegistration<cConvertRGBToHSVStation> s_registration(
     "ipp/image/colorConversion/RGBToHSV",
     {"Hue, saturation and value in the channels for red, green and blue.",
-        {{"numThreads",
-            "number of row bands that are computed at the same time; 0 or less: as many as the machine "
-            "has threads"}},
+        {{"numThreads", colour::s_numThreadsMeaning}},
         {"A full circle of hues is 255: red is 0, green 85, blue 170.", "The alpha channel becomes 255."}});

@@ -9,6 +9,10 @@
 /** What the conversions that work row by row share. */
 namespace colour {
 
+/** What "numThreads" means to a user. */
+constexpr char s_numThreadsMeaning[]
+    = "number of row bands that are computed at the same time; 0 or less: as many as the machine has threads";
+
 /** Rows of a source to as many of a destination. */
 template <class S, class D>
 using RowFunction

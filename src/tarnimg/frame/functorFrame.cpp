@@ -18,37 +18,49 @@ static QString message(const char* i_template, const char* i_operator)
 static void checkSupported(const cImgFunctor& i_functor, const cImg& i_image, const char* i_operator)
 {
     if (!i_functor.isSupported(i_image))
-        fail(message(s_unsupportedImage, i_operator)
-                 .arg(i_image.getImgType().getName())
-                 .arg(i_image.getNumChannels()));
+        failUnsupported(i_image, i_operator);
 }
 
 void fail(const QString& i_message) { throw std::runtime_error(i_message.toLocal8Bit().constData()); }
 
+void fail(const char* i_message, const char* i_operator) { fail(message(i_message, i_operator)); }
+
+void failBecause(const char* i_reason, const char* i_operator)
+{
+    fail(message(s_failure, i_operator).arg(QString::fromLatin1(i_reason)));
+}
+
+void failUnsupported(const cImg& i_image, const char* i_operator)
+{
+    fail(message(s_unsupportedImage, i_operator)
+             .arg(i_image.getImgType().getName())
+             .arg(i_image.getNumChannels()));
+}
+
 void checkInput(const cImgFunctor& i_functor, const cImg& i_image, const char* i_operator)
 {
     if (!i_image.isValid())
-        fail(message(s_invalidImage, i_operator));
+        fail(s_invalidImage, i_operator);
     checkSupported(i_functor, i_image, i_operator);
 }
 
 void checkInputs(const cImgFunctor& i_functor, const cImg& i_a, const cImg& i_b, const char* i_operator)
 {
     if (!i_a.isValid() || !i_b.isValid())
-        fail(message(s_invalidImage, i_operator));
+        fail(s_invalidImage, i_operator);
     if (i_a.getImgType().getTypeId() != i_b.getImgType().getTypeId())
-        fail(message(s_typesMustBeEqual, i_operator));
+        fail(s_typesMustBeEqual, i_operator);
     if (i_a.getNumChannels() != i_b.getNumChannels())
-        fail(message(s_channelsMustBeEqual, i_operator));
+        fail(s_channelsMustBeEqual, i_operator);
     if (!i_a.isStructOf(i_b))
-        fail(message(s_sizesMustBeEqual, i_operator));
+        fail(s_sizesMustBeEqual, i_operator);
     checkSupported(i_functor, i_a, i_operator);
 }
 
 void checkStatus(IppStatus i_status, const char* i_operator)
 {
     if (i_status != ippStsNoErr)
-        fail(message(s_failure, i_operator).arg(QString::fromLatin1(ippGetStatusString(i_status))));
+        failBecause(ippGetStatusString(i_status), i_operator);
 }
 
 cImg resultLike(const cImg& i_image)

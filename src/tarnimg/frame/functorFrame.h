@@ -19,6 +19,15 @@ namespace frame {
 /** Throws std::runtime_error with the text in the local 8-bit encoding. */
 [[noreturn]] void fail(const QString& i_message);
 
+/** Fails with one of the messages, in which nothing but the operator is open. */
+[[noreturn]] void fail(const char* i_message, const char* i_operator);
+
+/** Fails with "%1: %2". */
+[[noreturn]] void failBecause(const char* i_reason, const char* i_operator);
+
+/** Fails because of the image's type or channels. */
+[[noreturn]] void failUnsupported(const cImg& i_image, const char* i_operator);
+
 /** The image is valid, then supported. */
 void checkInput(const cImgFunctor& i_functor, const cImg& i_image, const char* i_operator);
 

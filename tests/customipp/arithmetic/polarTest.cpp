@@ -136,6 +136,27 @@ TEST_P(polarTest, NoMagnitudeOverflowsOrUnderflowsOnTheWay)
     EXPECT_EQ(magnitudeOf(s_infinity, 0), s_infinity);
 }
 
+TEST_P(polarTest, TheMagnitudeIsTheRootInDoubleRounded)
+{
+    std::vector<Ipp32fc> numbers = manyNumbers();
+    // Roots near the middle between two floats, and small whole numbers, whose roots are often whole.
+    std::mt19937 random(9);
+    for (int i = 0; i < 400000; ++i) {
+        const double angle = double(random()) * 1.5e-9;
+        const double middle = 1 + (double(random() % 0x800000) + 0.5) * 0x1p-23;
+        numbers.push_back({float(middle * std::cos(angle)), float(middle * std::sin(angle))});
+        numbers.push_back({float(1 + random() % 4096), float(random() % 4096)});
+    }
+    const int count = int(numbers.size());
+    std::vector<float> magnitudes(numbers.size());
+    ASSERT_EQ(ippiMagnitude_32fc32f_C1R(numbers.data(), 8 * count, magnitudes.data(), 4 * count, {count, 1}),
+        ippStsNoErr);
+    for (size_t i = 0; i < numbers.size(); ++i) {
+        const double re = numbers[i].re, im = numbers[i].im;
+        ASSERT_TRUE(samePixel(magnitudes[i], float(std::sqrt(re * re + im * im)))) << re << ", " << im;
+    }
+}
+
 TEST(polarTargetTest, AllTargetsGiveTheSameBits)
 {
     std::vector<Ipp32fc> numbers = manyNumbers();

@@ -96,3 +96,61 @@ TEST(cConvertRGBToHSVFunctorTest, OtherImagesAreRefused)
     expectMessages<cConvertRGBToHSVFunctor>("cConvertRGBToHSVFunctor");
     expectMessages<cConvertHSVToRGBFunctor>("cConvertHSVToRGBFunctor");
 }
+
+TEST(extractHSVTest, EachOfTheThreeIsTheByteOfTheConversion)
+{
+    cExtractHueFunctor hue;
+    cExtractSaturationFunctor saturation;
+    cExtractValueFunctor value;
+    std::vector<cImg> all = images();
+    all.push_back(makeRandomImage(cImgType::RGB24, 700, 200)); // several portions
+    all.push_back(makeRandomImage(cImgType::RGB32, 50000, 3)); // a row is more than a portion
+    for (const cImg& image : all) {
+        const auto expected = [&](unsigned channel) {
+            return generateImage(
+                cImgType::UInt8, image.getWidth(), image.getHeight(), [&](unsigned x, unsigned y) {
+                    const quint8* pixel = image.getRow<quint8>(y) + x * image.getXPitch();
+                    return hsvOf({pixel[0], pixel[1], pixel[2]})[channel];
+                });
+        };
+        EXPECT_TRUE(samePixels(hue(image), expected(0)));
+        EXPECT_TRUE(samePixels(saturation(image), expected(1)));
+        EXPECT_TRUE(samePixels(value(image), expected(2)));
+    }
+}
+
+TEST(extractHSVTest, ACopyOfAFunctorHasAWorkingImageOfItsOwn)
+{
+    const cImg first = makeRandomImage(cImgType::RGB24, 40, 9, 1, 1),
+               second = makeRandomImage(cImgType::RGB24, 40, 9, 1, 2);
+    cExtractHueFunctor hue;
+    const cImg before = hue(first);
+    cExtractHueFunctor copy = hue;
+    copy(second);
+    EXPECT_TRUE(samePixels(hue(first), before));
+}
+
+TEST(extractHSVTest, OtherImagesAreRefused)
+{
+    expectMessages<cExtractHueFunctor>("cExtractHueFunctor");
+    expectMessages<cExtractSaturationFunctor>("cExtractSaturationFunctor");
+    expectMessages<cExtractValueFunctor>("cExtractValueFunctor");
+}
+
+TEST(extractHSVTest, TheStationsSendWithTheAttributesOfTheInput)
+{
+    cImg image = makeRandomImage(cImgType::RGB32, 20, 5);
+    image.setName(QStringLiteral("part"));
+    const char* const stations[3] = {"extractHue", "extractSaturation", "extractValue"};
+    const cImg expected[3]
+        = {cExtractHueFunctor()(image), cExtractSaturationFunctor()(image), cExtractValueFunctor()(image)};
+    for (int i = 0; i < 3; ++i) {
+        StationHarness harness(
+            cStation::create(QStringLiteral("ipp/image/dataExchange/") + QString::fromLatin1(stations[i])));
+        harness.feed("img", image, 1);
+        harness.runAll();
+        ASSERT_EQ(harness.values<cImg>("img").size(), 1);
+        EXPECT_TRUE(samePixels(harness.values<cImg>("img").at(0), expected[i]));
+        EXPECT_EQ(harness.values<cImg>("img").at(0).getName(), QStringLiteral("part"));
+    }
+}
