@@ -131,6 +131,7 @@ void registerColour();
 void registerArithmetic();
 void registerConstants();
 void registerConversion();
+void registerDisplay();
 void registerGraph();
 void registerHistograms();
 void registerStatistics();
@@ -147,6 +148,7 @@ int main(int i_count, char** i_arguments)
     registerArithmetic();
     registerConstants();
     registerConversion();
+    registerDisplay();
     registerHistograms();
     registerStatistics();
     registerTemplateMatch();

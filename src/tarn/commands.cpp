@@ -18,6 +18,7 @@ constexpr Command s_commands[] = {
     {"convert", "files into other formats and pixel types", &convertCommand},
     {"list", "the stations there are, one in a line", &listCommand},
     {"inspect", "everything about a station", &inspectCommand},
+    {"show", "an image of any pixel type as a picture for the eye", &showCommand},
 };
 
 QString usage()

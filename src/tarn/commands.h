@@ -19,6 +19,10 @@ EExit runCommand(const QStringList& i_words);
 EExit convertCommand(const QStringList& i_words);
 EExit listCommand(const QStringList& i_words);
 EExit inspectCommand(const QStringList& i_words);
+EExit showCommand(const QStringList& i_words);
+
+/** Whether a command draws text, for which it needs a QGuiApplication. */
+bool drawsText(const QStringList& i_words);
 
 /** Writes to standard output, in UTF-8. */
 void print(const QString& i_text);

@@ -3,10 +3,11 @@
 #include "commands.h"
 #include "hostStations.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QTextCodec>
 #include <cstdio>
 #include <exception>
+#include <memory>
 #include <tarnbase/cTracer.h>
 
 namespace {
@@ -25,6 +26,29 @@ void installEarly() { qInstallMessageHandler(passWarnings); }
 __attribute__((section(".preinit_array"), used)) void (*s_installEarly)() = installEarly;
 #endif
 
+void passFatal(QtMsgType i_type, const QMessageLogContext&, const QString& i_text)
+{
+    if (i_type == QtFatalMsg)
+        std::fprintf(stderr, "%s\n", qUtf8Printable(i_text));
+}
+
+/** Most commands draw nothing. Those that do draw text into pictures, for which no screen is needed. */
+std::unique_ptr<QCoreApplication> makeApplication(int& io_count, char** io_words)
+{
+    QStringList words;
+    for (int i = 1; i < io_count; ++i)
+        words.append(QString::fromLocal8Bit(io_words[i]));
+    if (!host::drawsText(words))
+        return std::make_unique<QCoreApplication>(io_count, io_words);
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    // It warns of places that a desktop session would have.
+    const QtMessageHandler before = qInstallMessageHandler(passFatal);
+    auto application = std::make_unique<QGuiApplication>(io_count, io_words);
+    qInstallMessageHandler(before);
+    return application;
+}
+
 } // namespace
 
 int main(int i_count, char** i_words)
@@ -33,7 +57,7 @@ int main(int i_count, char** i_words)
     // File names and messages are UTF-8 whatever the locale says: in the plain "C" one names would not
     // survive.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
-    const QCoreApplication application(i_count, i_words);
+    const auto application = makeApplication(i_count, i_words);
     // The trace goes through the console, if at all.
     for (cTracer* channel : {&cTracer::cerr, &cTracer::cout})
         channel->setState(channel->getState() & ~QFlags<cTracer::ETracerState>(cTracer::ToDebugLog));

@@ -99,5 +99,6 @@ QImage cImgTypeComplex::makeDisplayImage(const cImg& i_image)
         renderStretched(scratch, extremes, out);
     }
     applyGamma(out);
+    adjustRange(i_image); // takes effect from the next image on
     return out;
 }

@@ -72,6 +72,7 @@ template <class T> QImage cImgTypeGradient<T>::makeDisplayImage(const cImg& i_im
     using Component = typename T::first_type;
     if (!i_image.isKindOf(getTypeId()))
         return {};
+    adjustRange(i_image);
     QImage out;
     makeDisplayImageHelper(i_image, out);
     out = display::checkedPicture(std::move(out));

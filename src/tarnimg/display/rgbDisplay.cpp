@@ -111,6 +111,7 @@ QImage cImgTypeRGB::makeDisplayImage(const cImg& i_image)
 {
     if (!i_image.isKindOf(getTypeId()))
         return {};
+    adjustRange(i_image);
     QImage out;
     const Mode mode = modeOf(getStyle());
     if (mode == Mode::Default) {

@@ -77,6 +77,7 @@ template <class T> QImage cImgTypeScalar<T>::makeDisplayImage(const cImg& i_imag
 {
     if (!i_image.isKindOf(getTypeId()))
         return {};
+    adjustRange(i_image);
     QImage out;
     makeDisplayImageHelper(i_image, out);
     out = display::checkedPicture(std::move(out));

@@ -62,6 +62,21 @@ TEST(gamma, IsNotAppliedWithAnAutomaticRange)
     EXPECT_EQ(bytesOf(show(image)), std::vector<int>({0, 64, 255}));
 }
 
+TEST(automaticRange, IsFoundBeforeAnImageIsShown)
+{
+    cImg numbers = makeImage<quint16>(cImgType::UInt16, {{1000, 1085, 1170, 1255}});
+    setParam(numbers, "AutoRange/Use", true);
+    EXPECT_EQ(bytesOf(show(numbers)), std::vector<int>({0, 85, 170, 255}));
+    EXPECT_EQ(numbers.getRange(), cDblRange(1000, 1255));
+    cImg floats = makeImage<float>(cImgType::Float32, {{-1, 0, 4}});
+    setParam(floats, "AutoRange/Use", true);
+    EXPECT_EQ(bytesOf(show(floats)), std::vector<int>({0, 51, 255}));
+    // That of a colour image is the range of red.
+    cImg colours = makeImage<quint8>(cImgType::RGB24, {{10, 0, 60, 61, 255, 10}});
+    setParam(colours, "AutoRange/Use", true);
+    EXPECT_EQ(bytesOf(show(colours)), std::vector<int>({0, 0, 250, 255, 255, 0}));
+}
+
 TEST(gamma, ParametersAloneDoNotMakeANewTable)
 {
     cImg image = makeImage<quint8>(cImgType::UInt8, {{0, 64, 255}});

@@ -1,0 +1,147 @@
+#include "displayOptions.h"
+
+#include "cDiagnostic.h"
+#include "cOptions.h"
+
+#include <QStringList>
+#include <cmath>
+#include <tarnbase/cDataValObj.h>
+#include <tarnbase/cMapObj.h>
+#include <tarnimg/cImg.h>
+
+namespace host {
+namespace {
+
+constexpr double s_greatestGamma = 100.0;
+
+QString key(const char* i_text) { return QString::fromLatin1(i_text); }
+
+/** Whether a quantile counts for this type. */
+bool hasHistogram(cImgType::ImageTypes i_type)
+{
+    switch (i_type) {
+    case cImgType::RGB24:
+    case cImgType::RGB32:
+    case cImgType::UInt8:
+    case cImgType::UInt16:
+    case cImgType::SInt16:
+    case cImgType::Float32:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/** Whether least and greatest pixel are known. */
+bool hasExtremes(cImgType::ImageTypes i_type)
+{
+    return hasHistogram(i_type) || i_type == cImgType::SInt32 || i_type == cImgType::Float64;
+}
+
+bool isFloat(cImgType::ImageTypes i_type)
+{
+    return i_type == cImgType::Float32 || i_type == cImgType::Float64;
+}
+
+template <class T> void set(cMapObj& io_params, const char* i_path, const T& i_value)
+{
+    io_params.setSubObject(new cDataValObj<T>(i_value), key(i_path), true);
+}
+
+} // namespace
+
+QString cDisplayOptions::read(const cOptions& i_options)
+{
+    style = i_options.get(key("--style"));
+    autoRange = i_options.has(key("--auto")) || i_options.has(key("--quantile"));
+    if (i_options.has(key("--range"))) {
+        const QString text = i_options.get(key("--range"));
+        const QStringList ends = text.split(u',');
+        bool goodLow = false, goodHigh = false;
+        const double low = ends.first().toDouble(&goodLow);
+        const double high = ends.last().toDouble(&goodHigh);
+        if (ends.size() != 2 || !goodLow || !goodHigh || !std::isfinite(low) || !std::isfinite(high)
+            || !(low < high))
+            return QStringLiteral("--range expects LOW,HIGH with LOW below HIGH, found '%1'").arg(text);
+        range = cDblRange(low, high);
+    }
+    if (i_options.has(key("--quantile"))) {
+        const QString text = i_options.get(key("--quantile"));
+        bool good = false;
+        quantile = text.toDouble(&good);
+        if (!good || !(quantile >= 0.0 && quantile < 0.5))
+            return QStringLiteral("--quantile expects a number from 0 to below 0.5, found '%1'").arg(text);
+    }
+    if (i_options.has(key("--gamma"))) {
+        const QString text = i_options.get(key("--gamma"));
+        bool good = false;
+        gamma = text.toDouble(&good);
+        if (!good || !(*gamma > 0.0 && *gamma <= s_greatestGamma))
+            return QStringLiteral("--gamma expects a number above 0, at most %1, found '%2'")
+                .arg(s_greatestGamma)
+                .arg(text);
+    }
+    if (autoRange && range)
+        return QStringLiteral("--range sets the range, and --auto finds it\nleave one of them out");
+    if (autoRange && gamma)
+        return QStringLiteral(
+            "--gamma has no effect on an automatic range\ngive the range by --range LOW,HIGH");
+    return {};
+}
+
+QString cDisplayOptions::apply(const cImg& i_image, cImgType& io_type) const
+{
+    const QString& name = io_type.getName();
+    if (!style.isEmpty()) {
+        const QStringList styles = io_type.getStyleList();
+        if (!styles.contains(style))
+            return QStringLiteral("unknown style of %1, found '%2'\nexpected one of: %3")
+                .arg(name, style, styles.join(QStringLiteral(", ")));
+        io_type.setStyle(style);
+    }
+    if (gamma)
+        io_type.setGamma(*gamma);
+    if (range)
+        return applyRange(i_image, io_type);
+    return autoRange ? applyAutoRange(i_image, io_type) : QString();
+}
+
+QString cDisplayOptions::applyRange(const cImg&, cImgType& io_type) const
+{
+    io_type.setRange(*range);
+    if (io_type.getRange() == *range)
+        return {};
+    const cDblRange& most = io_type.getMaxRange();
+    if (most == cDblRange())
+        return QStringLiteral("%1 images have no range\nleave --range out: values are stretched anyway")
+            .arg(io_type.getName());
+    return QStringLiteral("--range of %1: expected values from %2 to %3, found '%4,%5'")
+        .arg(io_type.getName())
+        .arg(most.getLow(), 0, 'g', 17)
+        .arg(most.getHigh(), 0, 'g', 17)
+        .arg(range->getLow(), 0, 'g', 17)
+        .arg(range->getHigh(), 0, 'g', 17);
+}
+
+QString cDisplayOptions::applyAutoRange(const cImg& i_image, cImgType& io_type) const
+{
+    const QString& name = io_type.getName();
+    if (!hasExtremes(io_type.getTypeId()))
+        return QStringLiteral("%1 images have no automatic range\nleave --auto out").arg(name);
+    if (isFloat(io_type.getTypeId()) && i_image.getNumChannels() > 1)
+        return QStringLiteral("the automatic range of %1 is that of one channel, found %2 channels\n"
+                              "give the range by --range LOW,HIGH")
+            .arg(name)
+            .arg(i_image.getNumChannels());
+    if (quantile > 0.0 && !hasHistogram(io_type.getTypeId()))
+        return QStringLiteral(
+            "--quantile has no effect on %1\nuse --auto, which takes least and greatest value")
+            .arg(name);
+    cMapObj params;
+    set(params, "AutoRange/Use", true);
+    set(params, "AutoRange/Quantil", quantile);
+    io_type.setParams(params);
+    return {};
+}
+
+} // namespace host
