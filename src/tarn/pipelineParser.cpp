@@ -89,6 +89,11 @@ public:
     cParser(const QString& i_text, const QString& i_file) : m_file(i_file)
     {
         m_tokens = cPipelineLexer(i_text, i_file, m_result.errors).run();
+        for (const cToken& token : qAsConst(m_tokens)) {
+            const auto argument = token.kind == cToken::Word ? toArgument(token.word) : std::nullopt;
+            if (argument && argument->key == QLatin1String("name"))
+                m_names.insert(argument->value.toString());
+        }
         m_result.pipeline.file = i_file;
     }
 
@@ -250,10 +255,20 @@ private:
             bang ? QStringLiteral("put blanks round '!'") : QString());
     }
 
+    /** "m.mean" is no file where a station of the name m stands in the text. */
+    bool isMainParameter(const cWord& i_word) const
+    {
+        if (toArgument(i_word) || isOpenReference(i_word))
+            return false;
+        return !isReference(i_word)
+            || !m_names.contains(
+                i_word.pieces.first().text.section(QRegularExpression(QStringLiteral("[./]")), 0, 0));
+    }
+
     /** A main parameter directly after the identifier, then all "key=value" that follow. */
     void readArguments(cElement& io_element)
     {
-        if (peek().kind == cToken::Word && !toArgument(peek().word) && !isOpenReference(peek().word)) {
+        if (peek().kind == cToken::Word && isMainParameter(peek().word)) {
             io_element.main = peek().word;
             ++m_index;
         }
@@ -303,6 +318,7 @@ private:
 
     const QString m_file;
     QList<cToken> m_tokens;
+    QSet<QString> m_names; ///< that the text gives to stations, in whatever graph
     int m_index = 0;
     cParsedPipeline m_result;
 };

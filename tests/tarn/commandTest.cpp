@@ -371,6 +371,7 @@ TEST_F(command, EveryStationsExampleIsUnderstood)
     writeFrames(QStringLiteral("in"), 2);
     writeFrames(QStringLiteral("a"), 2);
     writeFrames(QStringLiteral("b"), 2);
+    writeFrames(QStringLiteral("c"), 2);
     write(QStringLiteral("gain.jsonl"), "2\n1.5\n");
     const QStringList lines = tarn("list").output.split(u'\n', Qt::SkipEmptyParts);
     for (const QString& line : lines) {
@@ -378,16 +379,12 @@ TEST_F(command, EveryStationsExampleIsUnderstood)
         const QString text = tarn({QStringLiteral("inspect"), id}).output;
         const QString example = text.section(QStringLiteral("tarn run -e '"), 1).section(u'\'', 0, 0);
         ASSERT_FALSE(example.isEmpty()) << id.toStdString();
-        // What is measured comes from another family.
-        const bool measures = example.contains(QStringLiteral("meanStdDev"));
-        if (measures && lines.filter(QStringLiteral("/meanStdDev ")).isEmpty())
-            continue;
         // Whether these 8-bit pictures suit the station is another matter: then the run ends with 1.
         const Result result = tarn({QStringLiteral("run"), QStringLiteral("-e"), example});
-        EXPECT_TRUE(
-            result.exit == 0 || (result.exit == 1 && result.errors.contains(QStringLiteral(" refused "))))
-            << id.toStdString() << "\n"
-            << result.errors.toStdString();
+        const bool unsuited = result.errors.contains(QStringLiteral(" refused "))
+            || result.errors.contains(QStringLiteral(" failed"));
+        EXPECT_TRUE(result.exit == 0 || (result.exit == 1 && unsuited)) << id.toStdString() << "\n"
+                                                                        << result.errors.toStdString();
     }
 }
 
