@@ -12,6 +12,8 @@
 
 #include <hwy/highway.h>
 
+#include "display/packBytes-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace display {
 namespace HWY_NAMESPACE {
@@ -154,10 +156,39 @@ void guessedRow(const T* i_source, quint8* o_target, std::size_t i_count, const 
     definedRow(i_source + x, o_target + x, i_count - x, definition);
 }
 
+/** The grey values of a vector by the proven line; none of them is in doubt. */
+template <class DF, class T> HWY_INLINE auto byLine(DF d, const T* i_source, const IntegerScale& i_scale)
+{
+    const hn::RebindToSigned<DF> d32;
+    const auto number = hn::ConvertTo(d, hn::BitCast(d32, distance(d, i_source, i_scale)));
+    return hn::ConvertTo(
+        d32, hn::Add(hn::Mul(number, hn::Set(d, i_scale.line.factor)), hn::Set(d, i_scale.line.offset)));
+}
+
+template <class T>
+void lineRow(const T* i_source, quint8* o_target, std::size_t i_count, const IntegerScale& i_scale)
+{
+    const IntegerScale scale = i_scale; // stays in registers: no store can reach it
+    const PackOrder order;
+    const hn::ScalableTag<float> d;
+    const hn::ScalableTag<std::uint8_t> bytes;
+    const std::size_t lanes = hn::Lanes(d);
+    std::size_t x = 0;
+    for (; x + 4 * lanes <= i_count; x += 4 * lanes) {
+        const T* source = i_source + x;
+        hn::StoreU(packBytes(byLine(d, source, scale), byLine(d, source + lanes, scale),
+                       byLine(d, source + 2 * lanes, scale), byLine(d, source + 3 * lanes, scale), order),
+            bytes, o_target + x);
+    }
+    definedRow(i_source + x, o_target + x, i_count - x, IntegerDefinition(scale));
+}
+
 template <class T>
 void integerRow(const T* i_source, quint8* o_target, std::size_t i_count, const IntegerScale& i_scale)
 {
-    if (!i_scale.guess.usable)
+    if (i_scale.line.proven)
+        lineRow(i_source, o_target, i_count, i_scale);
+    else if (!i_scale.guess.usable)
         definedRow(i_source, o_target, i_count, IntegerDefinition(i_scale));
     else if (i_scale.guess.shift != 0)
         guessedRow<true, 1>(i_source, o_target, i_count, i_scale);
@@ -366,6 +397,10 @@ IntegerScale::IntegerScale(const cDblRange& i_range, Rounding i_rounding, int i_
     guess.shift = last - first > std::numeric_limits<qint32>::max() ? 1 : 0;
     guess.factor = float(std::ldexp(factor, guess.shift));
     guess.offset = float(offset);
+    if (last - first <= std::numeric_limits<qint32>::max())
+        line = GreyLine::find(last - first, 1.0 / step, offset / one, [this](qint64 n, int grey) {
+            return first + n >= last || (n > 0 && (double(first + n) - low) / step + bias >= grey);
+        });
 }
 
 FloatScale::FloatScale(const cDblRange& i_range)

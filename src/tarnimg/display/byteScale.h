@@ -1,5 +1,7 @@
 #pragma once
 
+#include "display/greyLine.h"
+
 #include <tarnbase/cRange.h>
 
 #include <QtGlobal>
@@ -40,6 +42,7 @@ struct IntegerScale {
         float factor;
         float offset;
     } guess;
+    GreyLine line; ///< from the distance to `first`; where it is proven, there are no doubts
 };
 
 /** How floats become grey values: limited to the range, (v - low) * 255 / width, halves up; NaN is 0. */
