@@ -49,6 +49,20 @@ void Rendering::addScale(const FloatScale& i_scale)
     });
 }
 
+void Rendering::addScale(const Float32Scale& i_scale)
+{
+    addRows<float, quint8>(1, [i_scale](const float* i_source, quint8* o_target, std::size_t i_count) {
+        chainTable().floats(i_source, o_target, i_count, i_scale);
+    });
+}
+
+void Rendering::addScale(const WordScale& i_scale)
+{
+    addRows<quint16, quint8>(1, [i_scale](const quint16* i_source, quint8* o_target, std::size_t i_count) {
+        chainTable().words(i_source, o_target, i_count, i_scale);
+    });
+}
+
 void Rendering::run(QImage& io_picture) const
 {
     m_program.run(conversion::TargetRows {io_picture.bits(), io_picture.bytesPerLine()});

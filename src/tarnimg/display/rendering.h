@@ -1,6 +1,7 @@
 #pragma once
 
 #include "conversion/steps.h"
+#include "display/byteChains.h"
 #include "display/byteScale.h"
 
 #include <tarnimg/cImg.h>
@@ -26,6 +27,8 @@ public:
     /** Numbers to grey values. */
     template <class T> void addScale(const IntegerScale& i_scale);
     void addScale(const FloatScale& i_scale);
+    void addScale(const Float32Scale& i_scale);
+    void addScale(const WordScale& i_scale);
     /** A step on rows of whole pixels, of so many bytes before and behind it. */
     template <class S, class D, class Row> void addRows(int i_pixelBytes, Row i_row);
 

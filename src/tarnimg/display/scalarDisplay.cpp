@@ -36,13 +36,7 @@ template <> void addGreyValues<double>(display::Rendering& io_rendering, const c
 
 template <> void addGreyValues<float>(display::Rendering& io_rendering, const cDblRange& i_range)
 {
-    Program& steps = io_rendering.steps();
-    conversion::addStretchFloat(steps, display::toGrey(i_range));
-    steps.move(
-        1, [](const conversion::Tile& tile, conversion::SourceRows source, conversion::TargetRows target) {
-            ippiConvert_32f8u_C1R(reinterpret_cast<const Ipp32f*>(source.first), source.step(), target.first,
-                target.step(), tile.elements(1), ippRndNear);
-        });
+    io_rendering.addScale(display::Float32Scale(display::toGrey(i_range)));
 }
 
 template <> void addGreyValues<quint8>(display::Rendering& io_rendering, const cDblRange& i_range)
@@ -55,6 +49,11 @@ template <> void addGreyValues<quint8>(display::Rendering& io_rendering, const c
 /** Stretched to a byte's values in 16 bits; what exceeds them saturates. */
 template <> void addGreyValues<quint16>(display::Rendering& io_rendering, const cDblRange& i_range)
 {
+    const display::WordScale scale(display::toGrey(i_range));
+    if (scale.usable) {
+        io_rendering.addScale(scale);
+        return;
+    }
     addIntegerChain<Ipp16u>(io_rendering.steps(), i_range);
     conversion::addMove(io_rendering.steps(), 1, ippiConvert_16u8u_C1R);
 }
