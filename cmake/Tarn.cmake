@@ -34,6 +34,11 @@ add_library(tarn_simd INTERFACE)
 target_compile_options(tarn_simd INTERFACE -ffp-contract=off)
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
     target_compile_options(tarn_simd INTERFACE -msse4.2 -mpclmul -maes)
+    if(TARN_SANITIZE)
+        # The sources are the same for all targets, and instrumented they take long to compile. Release tests put
+        # fences around the memory of each target.
+        target_compile_definitions(tarn_simd INTERFACE "HWY_DISABLED_TARGETS=(HWY_AVX2|HWY_AVX3)")
+    endif()
 elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "aarch64|arm64")
     # Vectors without a fixed size cannot be kept in arrays, as the constants of several channels are.
     target_compile_definitions(tarn_simd INTERFACE
