@@ -216,8 +216,30 @@ struct Distance64 {
     }
 };
 
+/** The same where the truncated distance is that of whole numbers. */
+struct WholeDistance64 {
+    std::int64_t origin, first, last;
+
+    template <class D64> HWY_INLINE void operator()(D64, const qint64* i_source, quint8* o_target) const
+    {
+        const hn::RebindToSigned<D64> d64;
+        const hn::RebindToUnsigned<D64> bits;
+        const hn::Rebind<std::uint8_t, D64> bytes;
+        const auto v = hn::LoadU(d64, reinterpret_cast<const std::int64_t*>(i_source));
+        const auto away = hn::Sub(v, hn::Set(d64, origin));
+        const auto upTo255 = hn::IfThenElse(hn::Lt(v, hn::Set(d64, last)), away, hn::Set(d64, 255));
+        const auto grey = hn::IfThenElseZero(hn::Gt(v, hn::Set(d64, first)), upTo255);
+        hn::StoreU(hn::TruncateTo(bytes, hn::BitCast(bits, grey)), bytes, o_target);
+    }
+};
+
 void integer64Row(const qint64* i_source, quint8* o_target, std::size_t i_count, const IntegerScale& i_scale)
 {
+    if (i_scale.whole.usable) {
+        definedRow(
+            i_source, o_target, i_count, WholeDistance64 {i_scale.whole.origin, i_scale.first, i_scale.last});
+        return;
+    }
     definedRow(i_source, o_target, i_count, Distance64 {i_scale.low, i_scale.first, i_scale.last});
 }
 
@@ -240,23 +262,47 @@ struct FloatDefinition {
     }
 };
 
-/** False, with nothing stored, if a grey value is in doubt or an element is no number. */
+/**
+ * The guess of four vectors: false, with nothing stored, if a grey value is in doubt or an element is no
+ * number. The sum with a large constant has the grey value's fraction in its last bits.
+ */
 template <class D64>
 HWY_INLINE bool storeGuess(D64 d, const double* i_source, quint8* o_target, const FloatScale& i_scale)
 {
-    const auto v = hn::LoadU(d, i_source);
-    const auto limited = hn::Max(hn::Min(v, hn::Set(d, i_scale.high)), hn::Set(d, i_scale.low));
-    const auto half = hn::Set(d, 0.5);
-    const auto grey
-        = hn::Add(hn::Mul(hn::Sub(limited, hn::Set(d, i_scale.low)), hn::Set(d, i_scale.slope)), half);
-    const auto whole = hn::Trunc(grey);
-    const auto fromMiddle = hn::Abs(hn::Sub(hn::Sub(grey, whole), half));
-    const auto isCertain = hn::And(hn::Lt(fromMiddle, hn::Set(d, 0.5 - 0x1p-36)), hn::Eq(v, v));
-    if (HWY_UNLIKELY(!hn::AllTrue(d, isCertain)))
-        return false;
-    const hn::Rebind<std::int32_t, D64> d32;
+    const hn::RebindToUnsigned<D64> bits;
     const hn::Rebind<std::uint8_t, D64> bytes;
-    hn::StoreU(hn::DemoteTo(bytes, hn::DemoteTo(d32, whole)), bytes, o_target);
+    const std::size_t lanes = hn::Lanes(d);
+    const auto guess = [&](auto i_values) HWY_ATTR {
+        const auto limited = hn::Max(hn::Min(i_values, hn::Set(d, i_scale.high)), hn::Set(d, i_scale.low));
+        const auto grey = hn::Mul(hn::Sub(limited, hn::Set(d, i_scale.low)), hn::Set(d, i_scale.slope));
+        // The half that rounds, two units in the last place as margin, and what makes that place 2^-24.
+        return hn::BitCast(bits, hn::Add(grey, hn::Set(d, 0.5 + 0x1p-23 + 0x1.8p28)));
+    };
+    const auto isDoubtful = [&](auto i_guess) HWY_ATTR {
+        return hn::Eq(hn::And(i_guess, hn::Set(bits, 0xFFFFFCu)), hn::Zero(bits));
+    };
+    const auto v0 = hn::LoadU(d, i_source);
+    const auto v1 = hn::LoadU(d, i_source + lanes);
+    const auto v2 = hn::LoadU(d, i_source + 2 * lanes);
+    const auto v3 = hn::LoadU(d, i_source + 3 * lanes);
+    const auto guess0 = guess(v0);
+    const auto guess1 = guess(v1);
+    const auto guess2 = guess(v2);
+    const auto guess3 = guess(v3);
+    // Infinities of both signs give NaN here too, which costs time only.
+    const auto sum = hn::Add(hn::Add(v0, v1), hn::Add(v2, v3));
+    const auto doubts = hn::Or(hn::Or(hn::Or(isDoubtful(guess0), isDoubtful(guess1)),
+                                   hn::Or(isDoubtful(guess2), isDoubtful(guess3))),
+        hn::RebindMask(bits, hn::IsNaN(sum)));
+    if (HWY_UNLIKELY(!hn::AllFalse(bits, doubts)))
+        return false;
+    const auto store = [&](auto i_guess, quint8* o_to) HWY_ATTR {
+        hn::StoreU(hn::TruncateTo(bytes, hn::ShiftRight<24>(i_guess)), bytes, o_to);
+    };
+    store(guess0, o_target);
+    store(guess1, o_target + lanes);
+    store(guess2, o_target + 2 * lanes);
+    store(guess3, o_target + 3 * lanes);
     return true;
 }
 
@@ -264,12 +310,12 @@ void floatRow(const double* i_source, quint8* o_target, std::size_t i_count, con
 {
     const FloatDefinition definition {i_scale};
     const hn::ScalableTag<double> d;
-    const std::size_t lanes = hn::Lanes(d);
+    const std::size_t batch = 4 * hn::Lanes(d);
     std::size_t x = 0;
     if (i_scale.guess)
-        for (; x + lanes <= i_count; x += lanes)
+        for (; x + batch <= i_count; x += batch)
             if (!storeGuess(d, i_source + x, o_target + x, definition.scale))
-                definition(d, i_source + x, o_target + x);
+                definedRow(i_source + x, o_target + x, batch, definition);
     definedRow(i_source + x, o_target + x, i_count - x, definition);
 }
 
@@ -366,6 +412,8 @@ qint64 cut(double i_value, int i_bits, bool i_signed)
 {
     const double whole = std::trunc(i_value);
     const double period = std::ldexp(1.0, i_bits);
+    if (i_signed && whole >= -period / 2 && whole < period / 2)
+        return qint64(whole); // a small number below 0 and 2^64 would not be exact
     double low = whole - std::floor(whole / period) * period; // exact: the period is a power of two
     if (!(low >= 0.0 && low < period))
         return 0;
@@ -382,10 +430,13 @@ IntegerScale::IntegerScale(const cDblRange& i_range, Rounding i_rounding, int i_
       bias(i_rounding == Rounding::HalvesUp ? 0.5 : 0.0),
       first(cut(i_range.getLow(), i_bits, i_signed)),
       last(cut(i_range.getHigh(), i_bits, i_signed)),
-      guess {}
+      guess {},
+      whole {}
 {
     constexpr double one = 65536.0; // the guess's unit of a grey value
     constexpr double margin = 16.0;
+    if (i_bits > 32)
+        findWholeDistance(i_range);
     if (i_bits > 32 || !(first < last) || !(i_range.getLength() >= 1.0))
         return;
     const double factor = one / step;
@@ -401,6 +452,16 @@ IntegerScale::IntegerScale(const cDblRange& i_range, Rounding i_rounding, int i_
         line = GreyLine::find(last - first, 1.0 / step, offset / one, [this](qint64 n, int grey) {
             return first + n >= last || (n > 0 && (double(first + n) - low) / step + bias >= grey);
         });
+}
+
+void IntegerScale::findWholeDistance(const cDblRange& i_range)
+{
+    // Then v - low, rounded to a multiple of 2^-9 or less, does not reach another whole number.
+    constexpr double moderate = 0x1p42;
+    const double fraction = std::fabs(low - double(first));
+    whole.usable = std::fabs(low) < moderate && std::fabs(i_range.getHigh()) < moderate
+        && (fraction == 0.0 || (fraction > 0x1p-8 && fraction < 1.0 - 0x1p-8));
+    whole.origin = low > double(first) ? first + 1 : first;
 }
 
 FloatScale::FloatScale(const cDblRange& i_range)

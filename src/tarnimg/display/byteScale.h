@@ -42,7 +42,15 @@ struct IntegerScale {
         float factor;
         float offset;
     } guess;
+    /** For 64 bits: the low byte of v - origin is that of the truncated distance. */
+    struct {
+        bool usable;
+        qint64 origin;
+    } whole;
     GreyLine line; ///< from the distance to `first`; where it is proven, there are no doubts
+
+private:
+    void findWholeDistance(const cDblRange& i_range);
 };
 
 /** How floats become grey values: limited to the range, (v - low) * 255 / width, halves up; NaN is 0. */

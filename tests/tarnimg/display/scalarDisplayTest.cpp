@@ -88,6 +88,39 @@ TEST_P(scalarDisplayTest, UInt16)
         reference::greyOfUInt16);
 }
 
+/** All values of 16 bits, with ranges that have many ties and ranges that have none. */
+template <class T, class Grey>
+void expectEveryWord(cImgType::ImageTypes i_type, std::initializer_list<Range> i_ranges, const Grey& i_greyOf)
+{
+    cImg image(i_type, 65536, 1);
+    for (int i = 0; i < 65536; ++i)
+        image.row<T>(0)[i] = T(std::numeric_limits<T>::lowest() + i);
+    for (const Range range : i_ranges) {
+        image.setRange(range.low, range.high);
+        const Range used {image.getRange().getLow(), image.getRange().getHigh()};
+        const QImage out = show(image);
+        for (int i = 0; i < 65536; ++i)
+            ASSERT_EQ(int(out.constScanLine(0)[i]), int(i_greyOf(image.getRow<T>(0)[i], used)))
+                << image.getRow<T>(0)[i] << " in " << used.low << " to " << used.high;
+    }
+}
+
+TEST_P(scalarDisplayTest, EveryValueOfUInt16)
+{
+    expectEveryWord<quint16>(cImgType::UInt16,
+        {{0, 510}, {0, 1020}, {10, 200}, {5, 8165}, {0, 65280}, {0, 65535}, {1, 60001}, {0, 4095}, {7, 9},
+            {20, 153}},
+        reference::greyOfUInt16);
+}
+
+TEST_P(scalarDisplayTest, EveryValueOfSInt16)
+{
+    expectEveryWord<qint16>(cImgType::SInt16,
+        {{-200, 200}, {0, 2040}, {-1000.5, 3079.5}, {-255, 255}, {-16320, 16320}, {-32768, 32767},
+            {-32640, 32640}, {-3.7, 3.7}, {-300.2, -44.9}, {7, 8}, {-30000, 29999}},
+        [](double value, Range range) { return reference::greyOfInteger(value, range, true); });
+}
+
 TEST_P(scalarDisplayTest, Float32)
 {
     expectGreys<float>(cImgType::Float32,
@@ -122,14 +155,16 @@ TEST_P(scalarDisplayTest, SInt32IsTruncated)
         = [](double value, Range range) { return reference::greyOfInteger(value, range, false); };
     expectGreys<qint32>(cImgType::SInt32,
         {{-2147483648.0, 2147483647.0}, {0, 255}, {0, 510}, {-5, 5}, {-1e9, 1e9}, {-3.7, 1000.2},
-            {2e9, 2.1e9}, {0, 85}},
+            {2e9, 2.1e9}, {0, 85}, {-200, 200}, {-2000, 2080}, {-0.5, 65279.5}},
         truncated);
 }
 
 TEST_P(scalarDisplayTest, SInt64ShowsTheLowByteOfTheDistance)
 {
     expectGreys<qint64>(cImgType::SInt64,
-        {{0, 1000}, {-1e18, 1e18}, {-0.5, 77.9}, {-9.3e18, 9.3e18}, {1e15, 4e18}}, reference::greyOfSInt64);
+        {{0, 1000}, {-1e18, 1e18}, {-0.5, 77.9}, {-9.3e18, 9.3e18}, {1e15, 4e18}, {-300, 700}, {3.25, 500.5},
+            {-3.25, 500.5}, {0.5, 99}, {3.001, 500}, {4e12, 4.5e12}},
+        reference::greyOfSInt64);
 }
 
 TEST_P(scalarDisplayTest, TheStyleChoosesTheChannelInEveryLayoutAndSize)
