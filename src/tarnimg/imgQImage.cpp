@@ -2,9 +2,9 @@
 
 #include <tarnimg/cImg.h>
 
+#include "display/colourOrder.h"
 #include "display/picture.h"
 
-#include <customipp/customipp.h>
 #include <tarnbase/cTracer.h>
 #include <tarnimg/cImgIO.h>
 
@@ -13,15 +13,6 @@
 #include <cstring>
 
 namespace {
-
-/** The bytes of a QImage of 32 bits are blue, green, red, alpha; those of an image red, green, blue, alpha.
- */
-void swapRedAndBlue(unsigned char* io_pixels, unsigned i_step, int i_width, int i_height)
-{
-    static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN);
-    constexpr int order[] = {2, 1, 0, 3};
-    ippiSwapChannels_8u_C4IR(io_pixels, int(i_step), {i_width, i_height}, order);
-}
 
 QImage emptyLike(const cImg& i_image, QImage::Format i_format)
 {
@@ -40,15 +31,25 @@ QImage copyOf(const cImg& i_image, QImage::Format i_format)
     return out;
 }
 
-/** Row by row: each is swapped while it is in the cache. */
+/** Rows of one width; where none has a gap behind it they are one long row. */
+void copySwapped(
+    const uchar* i_source, std::size_t i_sourceStep, uchar* o_target, std::size_t i_targetStep, QSize i_size)
+{
+    auto width = std::size_t(i_size.width()), height = std::size_t(i_size.height());
+    if (i_sourceStep == 4 * width && i_targetStep == 4 * width) {
+        width *= height;
+        height = 1;
+    }
+    for (std::size_t y = 0; y < height; ++y)
+        display::copySwapped(i_source + y * i_sourceStep, o_target + y * i_targetStep, width);
+}
+
 QImage swappedCopyOf(const cImg& i_image)
 {
     QImage out = emptyLike(i_image, QImage::Format_ARGB32);
-    for (int y = 0; y < out.height(); ++y) {
-        uchar* row = out.scanLine(y);
-        std::memcpy(row, i_image.getRow<unsigned char>(unsigned(y)), std::size_t(out.width()) * 4);
-        swapRedAndBlue(row, unsigned(out.bytesPerLine()), out.width(), 1);
-    }
+    if (!out.isNull())
+        copySwapped(i_image.getConstData(), i_image.getYPitch(), out.bits(), std::size_t(out.bytesPerLine()),
+            out.size());
     return out;
 }
 
@@ -70,6 +71,15 @@ cImg copyOf(const QImage& i_image, cImgType::ImageTypes i_type)
     cImg out(i_type, unsigned(i_image.width()), unsigned(i_image.height()));
     for (int y = 0; y < i_image.height(); ++y)
         std::memcpy(out.row<unsigned char>(unsigned(y)), i_image.constScanLine(y), out.getYPitch());
+    return out;
+}
+
+/** An image with alpha of a QImage of 32 bits. */
+cImg swappedCopyOf(const QImage& i_image)
+{
+    cImg out(cImgType::RGB32, unsigned(i_image.width()), unsigned(i_image.height()));
+    copySwapped(i_image.constBits(), std::size_t(i_image.bytesPerLine()), out.getData(), out.getYPitch(),
+        i_image.size());
     return out;
 }
 
@@ -110,9 +120,7 @@ cImg cImg::fromQImage(const QImage& i_image)
         const QImage argb = i_image.convertToFormat(QImage::Format_ARGB32);
         if (argb.isNull())
             return {};
-        cImg out = copyOf(argb, cImgType::RGB32);
-        swapRedAndBlue(out.getData(), out.getYPitch(), argb.width(), argb.height());
-        return out;
+        return swappedCopyOf(argb);
     }
     }
 }
