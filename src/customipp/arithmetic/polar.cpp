@@ -8,7 +8,7 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
-#include "../movers/rows-inl.h"
+#include "../movers/narrow-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace customipp {
@@ -62,7 +62,7 @@ template <class V> HWY_INLINE V restOfSquare(V v, V square)
  * this, the root in double is taken.
  */
 struct Magnitude {
-    using Tag = hn::ScalableTag<float>;
+    using Dst = float;
     static constexpr size_t least = 1;
     const float* src;
     float* dst;
@@ -83,22 +83,22 @@ struct Magnitude {
         if (HWY_LIKELY(hn::AllTrue(d, isKnown)))
             store(lower, d, dst + x);
         else
-            inDouble(d, x, store);
+            inDouble(d, x);
     }
 
 private:
-    template <class D, class Store> HWY_INLINE void inDouble(D d, size_t x, Store store) const
+    template <class D> HWY_INLINE void inDouble(D d, size_t x) const
     {
         if constexpr (hn::MaxLanes(d) > hn::MaxLanes(hn::ScalableTag<double>())) {
             const hn::Half<D> half;
-            inDouble(half, x, store);
-            inDouble(half, x + hn::Lanes(half), store);
+            inDouble(half, x);
+            inDouble(half, x + hn::Lanes(half));
         } else {
             const hn::Rebind<double, D> dd;
             const auto parts = loadParts(d, src + 2 * x);
             const auto re = hn::PromoteTo(dd, parts.re), im = hn::PromoteTo(dd, parts.im);
             const auto root = hn::Sqrt(hn::Add(hn::Mul(re, re), hn::Mul(im, im)));
-            store(withOneNaN(d, hn::DemoteTo(d, root)), d, dst + x);
+            storeAnywhere(withOneNaN(d, hn::DemoteTo(d, root)), d, dst + x);
         }
     }
 };
@@ -109,7 +109,7 @@ private:
  * subtracted from it.
  */
 struct Phase {
-    using Tag = hn::ScalableTag<float>;
+    using Dst = float;
     static constexpr size_t least = 1;
     const float* src;
     float* dst;
@@ -151,13 +151,7 @@ struct Phase {
     }
 };
 
-template <class Block> void polar(const Move& move)
-{
-    for (size_t y = 0; y < move.area.height; ++y)
-        coverRow(typename Block::Tag(), move.area.width,
-            Block {
-                reinterpret_cast<const float*>(move.src.row(y)), reinterpret_cast<float*>(move.dst.row(y))});
-}
+template <class Block> void polar(const Move& move) { coverRows<float, Block>(move); }
 
 constexpr PolarKernels s_kernels {{polar<Magnitude>}, {polar<Phase>}};
 } // namespace
