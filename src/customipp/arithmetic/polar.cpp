@@ -8,7 +8,7 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
-#include "../movers/rows-inl.h"
+#include "../movers/narrow-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace customipp {
@@ -36,51 +36,70 @@ template <class D> HWY_INLINE hn::Vec<D> withOneNaN(D d, hn::Vec<D> v)
     return hn::IfThenElse(hn::Eq(v, v), v, hn::Set(d, std::numeric_limits<float>::quiet_NaN()));
 }
 
+/** What v^2 is greater than v^2 rounded to float: a float itself, unless it is too small for one. */
+template <class V> HWY_INLINE V restOfSquare(V v, V square)
+{
+#if !HWY_NATIVE_FMA
+    // No fused product: by halves of 12 bits, whose products are exact.
+    const hn::DFromV<V> d;
+    const auto high = hn::And(v, hn::BitCast(d, hn::Set(hn::RebindToUnsigned<hn::DFromV<V>>(), 0xFFFFF000u)));
+    const auto low = hn::Sub(v, high);
+    const auto withoutLow = hn::Add(hn::Sub(hn::Mul(high, high), square), hn::Mul(hn::Add(high, high), low));
+    return hn::Add(withoutLow, hn::Mul(low, low));
+#else
+    return hn::MulSub(v, v, square);
+#endif
+}
+
 /**
  * The squares of floats are exact in double, and no sum of them overflows or underflows there; its root in
  * double is rounded to float.
  *
- * As that root is slow, it is approached from the root y of the sum in float: with the rest r of the sum
- * beyond y^2, which is exact, it is y + r / 2y, where floats do for the quotient; what is left is an error
- * below 2^-46 of the root. So the float is the right one unless the root comes that near to the middle
- * between two floats. Only there, and for sums that are too small or too great for floats, the root in double
- * is taken.
+ * As that is slow, the sum is also taken as a float and the exact rest that it lacks, and the root as the
+ * root y of that float and the rest / 2y that this lacks: it is off by less than 2^-42 of itself. If both
+ * ends of that span round to the same float, it is the right one, however the numbers were combined. Only
+ * where they do not, near the middle between two floats, and for sums that are too small or too great for
+ * this, the root in double is taken.
  */
 struct Magnitude {
-    /** Half a vector: in double it fills one. */
-    using Tag = hn::Half<hn::ScalableTag<float>>;
+    using Dst = float;
     static constexpr size_t least = 1;
     const float* src;
     float* dst;
 
     template <class D, class Store> HWY_INLINE void operator()(D d, size_t x, Store store) const
     {
-        const hn::Rebind<double, D> dd;
         const auto parts = loadParts(d, src + 2 * x);
-        const auto re = hn::PromoteTo(dd, parts.re), im = hn::PromoteTo(dd, parts.im);
-        const auto sum = hn::Add(hn::Mul(re, re), hn::Mul(im, im));
-        const auto root = hn::Sqrt(hn::DemoteTo(d, sum));
-        const auto y = hn::PromoteTo(dd, root);
-        const auto rest = hn::DemoteTo(d, hn::Sub(sum, hn::Mul(y, y)));
-        const auto closer = hn::Add(y, hn::PromoteTo(dd, hn::Div(rest, hn::Add(root, root))));
-        const auto fits = hn::And(hn::Gt(sum, hn::Set(dd, 0x1p-100)), hn::Lt(sum, hn::Set(dd, 0x1p100)));
-        if (HWY_LIKELY(hn::AllTrue(dd, hn::AndNot(isNearMiddle(dd, closer), fits))))
-            store(hn::DemoteTo(d, closer), d, dst + x);
+        const auto re2 = hn::Mul(parts.re, parts.re), im2 = hn::Mul(parts.im, parts.im);
+        const auto sum = hn::Add(re2, im2), y = hn::Sqrt(sum), y2 = hn::Mul(y, y);
+        const auto lost = hn::Sub(hn::Min(re2, im2), hn::Sub(sum, hn::Max(re2, im2)));
+        const auto ofSquares = hn::Add(restOfSquare(parts.re, re2), restOfSquare(parts.im, im2));
+        const auto ofRoot = hn::Sub(hn::Sub(sum, y2), restOfSquare(y, y2));
+        const auto rest = hn::Add(ofRoot, hn::Add(lost, ofSquares));
+        const auto more = hn::Div(rest, hn::Add(y, y)), margin = hn::Mul(y, hn::Set(d, 0x1p-42f));
+        const auto lower = hn::Add(y, hn::Sub(more, margin)), upper = hn::Add(y, hn::Add(more, margin));
+        // A sum that overflows makes both NaN.
+        const auto isKnown = hn::And(hn::Eq(lower, upper), hn::Gt(sum, hn::Set(d, 0x1p-60f)));
+        if (HWY_LIKELY(hn::AllTrue(d, isKnown)))
+            store(lower, d, dst + x);
         else
-            store(withOneNaN(d, hn::DemoteTo(d, hn::Sqrt(sum))), d, dst + x);
+            inDouble(d, x);
     }
 
 private:
-    /** Whether the bits that a float does not have are one half of its last bit, but for 2^-44 of the whole.
-     */
-    template <class D> static HWY_INLINE hn::Mask<D> isNearMiddle(D dd, hn::Vec<D> v)
+    template <class D> HWY_INLINE void inDouble(D d, size_t x) const
     {
-        const hn::RebindToUnsigned<D> dBits;
-        constexpr uint64_t lost = (uint64_t {1} << 29) - 1, half = uint64_t {1} << 28, margin = 256;
-        const auto bits = hn::And(hn::BitCast(dBits, v), hn::Set(dBits, lost));
-        const auto distance = hn::Sub(bits, hn::Set(dBits, half - margin));
-        return hn::RebindMask(
-            dd, hn::Eq(hn::And(distance, hn::Set(dBits, ~(2 * margin - 1))), hn::Zero(dBits)));
+        if constexpr (hn::MaxLanes(d) > hn::MaxLanes(hn::ScalableTag<double>())) {
+            const hn::Half<D> half;
+            inDouble(half, x);
+            inDouble(half, x + hn::Lanes(half));
+        } else {
+            const hn::Rebind<double, D> dd;
+            const auto parts = loadParts(d, src + 2 * x);
+            const auto re = hn::PromoteTo(dd, parts.re), im = hn::PromoteTo(dd, parts.im);
+            const auto root = hn::Sqrt(hn::Add(hn::Mul(re, re), hn::Mul(im, im)));
+            storeAnywhere(withOneNaN(d, hn::DemoteTo(d, root)), d, dst + x);
+        }
     }
 };
 
@@ -90,7 +109,7 @@ private:
  * subtracted from it.
  */
 struct Phase {
-    using Tag = hn::ScalableTag<float>;
+    using Dst = float;
     static constexpr size_t least = 1;
     const float* src;
     float* dst;
@@ -132,13 +151,7 @@ struct Phase {
     }
 };
 
-template <class Block> void polar(const Move& move)
-{
-    for (size_t y = 0; y < move.area.height; ++y)
-        coverRow(typename Block::Tag(), move.area.width,
-            Block {
-                reinterpret_cast<const float*>(move.src.row(y)), reinterpret_cast<float*>(move.dst.row(y))});
-}
+template <class Block> void polar(const Move& move) { coverRows<float, Block>(move); }
 
 constexpr PolarKernels s_kernels {{polar<Magnitude>}, {polar<Phase>}};
 } // namespace

@@ -52,7 +52,8 @@ template <class T> size_t placeOf(float level)
     return size_t(int64_t(std::ceil(std::clamp(level, float(leastOf<T>), end))) - leastOf<T>);
 }
 
-template <class T, size_t Sets> void countIntegers(const HistogramCall<T>& call)
+/** The counters of all values, from those of some sets of counters. */
+template <class T, size_t Sets> void countBySets(const HistogramCall<T>& call)
 {
     constexpr size_t counters = size_t {1} << (8 * sizeof(T));
     std::fill_n(call.counters, Sets * counters, 0u);
@@ -60,6 +61,42 @@ template <class T, size_t Sets> void countIntegers(const HistogramCall<T>& call)
     for (size_t set = 1; set < Sets; ++set)
         for (size_t i = 0; i < counters; ++i)
             call.counters[i] += call.counters[set * counters + i];
+}
+
+/**
+ * The counters of all bytes, from those of all pairs of bytes: a processor adds to one counter at a time,
+ * which takes two pixels here. Neighbours are often alike, so most counters that are in use share few lines.
+ */
+void countByPairs(const HistogramCall<uint8_t>& call)
+{
+    uint32_t *const values = call.counters, *const pairs = values + 256;
+    std::fill_n(values, 256 + bytePairs, 0u);
+    for (size_t y = 0; y < call.extent.rows; ++y) {
+        const uint8_t* row = call.pixels.row(y);
+        size_t x = 0;
+        for (; x + 8 <= call.extent.lanes; x += 8) {
+            uint64_t word;
+            hwy::CopyBytes<8>(row + x, &word);
+            for (size_t i = 0; i < 4; ++i)
+                ++pairs[word >> (16 * i) & 0xFFFF];
+        }
+        for (; x < call.extent.lanes; ++x)
+            ++values[row[x]];
+    }
+    for (size_t upper = 0; upper < 256; ++upper) {
+        const uint32_t* const ofUpper = pairs + 256 * upper;
+        uint32_t sum = 0;
+        for (size_t lower = 0; lower < 256; ++lower) {
+            values[lower] += ofUpper[lower];
+            sum += ofUpper[lower];
+        }
+        values[upper] += sum;
+    }
+}
+
+/** Sums the counters of the values of each bin. */
+template <class T> void sumBins(const HistogramCall<T>& call)
+{
     const float* const levels = call.specification.levels();
     size_t from = placeOf<T>(levels[0]);
     for (int bin = 0; bin < call.specification.bins(); ++bin) {
@@ -73,13 +110,19 @@ template <class T, size_t Sets> void countIntegers(const HistogramCall<T>& call)
 
 template <class T> void histogramOfIntegers(const HistogramCall<T>& call)
 {
-    // More counters than pixels are not worth clearing twice.
-    if (sizeof(T) == 1)
-        countIntegers<T, 8>(call);
-    else if (call.extent.lanes * call.extent.rows < 65536)
-        countIntegers<T, 1>(call);
-    else
-        countIntegers<T, 2>(call);
+    const size_t pixels = call.extent.lanes * call.extent.rows;
+    // More counters than pixels are not worth clearing.
+    if constexpr (sizeof(T) == 1) {
+        if (pixels < 8 * bytePairs)
+            countBySets<T, 8>(call);
+        else
+            countByPairs(call);
+    } else if (pixels < 65536) {
+        countBySets<T, 1>(call);
+    } else {
+        countBySets<T, 2>(call);
+    }
+    sumBins(call);
 }
 
 // --- floats ---

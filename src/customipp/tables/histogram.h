@@ -26,30 +26,26 @@ struct alignas(memoryAlignment) HistogramSpecification {
     int bins() const { return count - 1; }
 };
 
-/**
- * How many counters a histogram of a type runs with. Pixels that follow one another go to different sets of
- * counters: adding to one that has just been written would wait for it.
- */
-struct CounterSets {
-    int64_t sets;
-    int64_t counters; ///< Of a set
+/** How many values a pair of bytes has. */
+inline constexpr size_t bytePairs = 65536;
 
-    int64_t all() const { return sets * counters; }
-};
-inline CounterSets counterSetsOf(IppDataType dataType, int levels)
+/**
+ * How many counters a histogram of a type runs with. Integers have one for each value and not for each bin.
+ * Pixels that follow one another go to different sets of counters, as adding to one that has just been
+ * written would wait for it; of bytes, many are counted by pairs.
+ */
+inline int64_t countersOf(IppDataType dataType, int levels)
 {
     if (dataType == ipp8u)
-        return {8, 256};
-    if (dataType == ipp32f)
-        return {2, levels};
-    return {2, 65536};
+        return 256 + int64_t {bytePairs};
+    return 2 * (dataType == ipp32f ? int64_t {levels} : 65536);
 }
 
 template <class T> struct HistogramCall {
     Rows<const T> pixels;
     Extent extent;
     const HistogramSpecification& specification;
-    uint32_t* counters; ///< Room for all sets; undefined content
+    uint32_t* counters; ///< As many as countersOf tells; undefined content
     Ipp32u* histogram;
 };
 template <class T> using HistogramKernel = void (*)(const HistogramCall<T>&);
@@ -77,8 +73,7 @@ inline IppStatus runHistogramSize(IppDataType dataType, IppiSize roi, const int*
         return status;
     const int64_t specification
         = withAlignment(int64_t {sizeof(HistogramSpecification)} + levels[0] * int64_t {sizeof(float)});
-    const int64_t buffer
-        = withAlignment(counterSetsOf(dataType, levels[0]).all() * int64_t {sizeof(uint32_t)});
+    const int64_t buffer = withAlignment(countersOf(dataType, levels[0]) * int64_t {sizeof(uint32_t)});
     if (std::max(specification, buffer) > INT_MAX)
         return ippStsExceededSizeErr;
     *specificationSize = int(specification);

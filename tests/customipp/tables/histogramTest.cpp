@@ -154,6 +154,28 @@ TEST_P(histogramTest, EverySizeAndLayoutIsCounted)
         {{0, 65536, 257}, {-30000, 30000, 65536}, {-1, 1, 2}, {1, 1.0000002f, 100}});
 }
 
+TEST_P(histogramTest, LargeImagesOfBytesAreCounted)
+{
+    // On both sides of the size from which pixels are counted by pairs; rows end with less than 8 pixels.
+    const int width = 1021, step = 1030;
+    for (const int height : {513, 514, 700}) {
+        PixelSource<Ipp8u> random(3);
+        FencedMemory memory(size_t(step * (height - 1) + width), FencedMemory::AgainstEnd);
+        for (const unsigned mask : {0xFFu, 0x03u, 0x00u}) {
+            SCOPED_TRACE("height " + std::to_string(height) + ", mask " + std::to_string(mask));
+            Histogram<Ipp8u> histogram(0, 256, 257);
+            std::vector<Ipp32u> expected = noCounts(257);
+            for (int y = 0; y < height; ++y)
+                for (int x = 0; x < (y + 1 < height ? step : width); ++x) {
+                    const Ipp8u pixel = Ipp8u((random() & mask) + unsigned(y) / 8);
+                    memory.set<Ipp8u>(size_t(y * step + x), pixel);
+                    expected[pixel] += x < width;
+                }
+            EXPECT_EQ(histogram.countsOf(memory.data(), step, {width, height}), expected);
+        }
+    }
+}
+
 TEST_P(histogramTest, EveryByteGoesToTheBinOfItsLevels)
 {
     std::vector<Ipp8u> bytes(256);
