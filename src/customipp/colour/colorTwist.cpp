@@ -16,7 +16,8 @@ namespace customipp {
 namespace HWY_NAMESPACE {
 namespace {
 
-struct Twist {
+/** A matrix. Many have no fourth column: then nothing is added, as adding 0 changes no byte. */
+template <bool IsShifted> struct Twist {
     float rows[3][4];
 
     template <class D> HWY_INLINE Quarters<D> vector(D d, Planes<D> in) const
@@ -36,7 +37,9 @@ struct Twist {
     static HWY_INLINE VF channel(DF df, const float (&row)[4], VF c0, VF c1, VF c2)
     {
         const auto two = hn::Add(hn::Mul(hn::Set(df, row[0]), c0), hn::Mul(hn::Set(df, row[1]), c1));
-        const auto sum = hn::Add(hn::Add(two, hn::Mul(hn::Set(df, row[2]), c2)), hn::Set(df, row[3]));
+        auto sum = hn::Add(two, hn::Mul(hn::Set(df, row[2]), c2));
+        if constexpr (IsShifted)
+            sum = hn::Add(sum, hn::Set(df, row[3]));
         const auto positive = hn::IfThenElseZero(hn::Gt(sum, hn::Zero(df)), sum); // NaN is not greater
         return hn::Add(hn::Min(positive, hn::Set(df, 255.0f)), hn::Set(df, integerInFloat));
     }
@@ -52,14 +55,22 @@ struct Twist {
     }
 };
 
-template <size_t Channels> void twistPixels(const Move& move, const Ipp32f (*twist)[4])
+template <size_t Channels, bool IsShifted> void twistBy(const Move& move, const Ipp32f (*twist)[4])
 {
-    Twist op;
+    Twist<IsShifted> op;
     for (int i = 0; i < 3; ++i)
         std::copy_n(twist[i], 4, op.rows[i]);
     for (size_t y = 0; y < move.area.height; ++y)
         colourRow<Channels>(
             hn::ScalableTag<uint8_t>(), op, move.src.row(y), move.dst.row(y), move.area.width);
+}
+
+template <size_t Channels> void twistPixels(const Move& move, const Ipp32f (*twist)[4])
+{
+    if (twist[0][3] == 0 && twist[1][3] == 0 && twist[2][3] == 0)
+        twistBy<Channels, false>(move, twist);
+    else
+        twistBy<Channels, true>(move, twist);
 }
 
 constexpr TwistKernels s_kernels {twistPixels<3>, twistPixels<4>};

@@ -66,6 +66,7 @@ TEST_P(colorTwistTest, NumbersWithoutBoundAndWithoutValueEndInTheRange)
     const float inf = std::numeric_limits<float>::infinity(), nan = std::numeric_limits<float>::quiet_NaN();
     expectMatrix({{inf, 0, 0, 0}, {-inf, 1, 0, 0}, {0, 0, 1, inf}});
     expectMatrix({{nan, 0, 0, 0}, {0, -nan, 1, 5}, {0, 0, 1, -nan}});
+    expectMatrix({{nan, 0, 0, 0}, {0, -inf, 0, -0.0f}, {inf, -inf, 1, 0}});
     expectMatrix({{3e38f, 3e38f, -3e38f, 0}, {-3e38f, -3e38f, 3e38f, 0}, {1e-45f, 1e-45f, 1e-45f, 0.5f}});
     expectMatrix({{1e9f, 0, 0, 0}, {-1e9f, 0, 0, 0}, {0, 0, 0, 4294967296.0f}});
 }
