@@ -21,7 +21,7 @@ namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-/** The vectors' grey values as 32-bit numbers. */
+/** The vectors' grey values in the low 16 of 32 bits. */
 struct Float32Chain {
     Float32Scale scale;
 
@@ -33,7 +33,7 @@ struct Float32Chain {
         grey = hn::IfThenElseZero(hn::Gt(grey, hn::Zero(d)), grey); // nor is NaN greater
         // At 2^23 the unit of a float is 1: the sum is rounded to whole numbers, ties to even.
         const auto sum = hn::Add(hn::Min(grey, hn::Set(d, 255.0f)), hn::Set(d, 0x1p23f));
-        return hn::And(hn::BitCast(d32, sum), hn::Set(d32, 0xFF));
+        return hn::BitCast(d32, sum);
     }
 };
 

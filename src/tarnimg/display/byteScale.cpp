@@ -156,13 +156,14 @@ void guessedRow(const T* i_source, quint8* o_target, std::size_t i_count, const 
     definedRow(i_source + x, o_target + x, i_count - x, definition);
 }
 
-/** The grey values of a vector by the proven line; none of them is in doubt. */
+/** The grey values of a vector by the proven line, in the low 16 of 32 bits; none of them is in doubt. */
 template <class DF, class T> HWY_INLINE auto byLine(DF d, const T* i_source, const IntegerScale& i_scale)
 {
     const hn::RebindToSigned<DF> d32;
     const auto number = hn::ConvertTo(d, hn::BitCast(d32, distance(d, i_source, i_scale)));
-    return hn::ConvertTo(
-        d32, hn::Add(hn::Mul(number, hn::Set(d, i_scale.line.factor)), hn::Set(d, i_scale.line.offset)));
+    const auto grey
+        = hn::Add(hn::Mul(number, hn::Set(d, i_scale.line.factor)), hn::Set(d, i_scale.line.offset));
+    return hn::BitCast(d32, hn::Add(grey, hn::Set(d, GreyLine::whole)));
 }
 
 template <class T>

@@ -25,21 +25,21 @@ struct PackOrder {
     }
 };
 
-/** The bytes of four vectors of 32-bit numbers from 0 to 255, one vector behind the other. */
+/** The bytes of four vectors of 32 bits, one vector behind the other: the low 16 bits are 0 to 255, those
+ * above do not matter. */
 template <class V>
 HWY_INLINE hwy::HWY_NAMESPACE::Vec<hwy::HWY_NAMESPACE::ScalableTag<std::uint8_t>> packBytes(
     V i_v0, V i_v1, V i_v2, V i_v3, const PackOrder& i_order)
 {
     namespace hn = hwy::HWY_NAMESPACE;
     const hn::ScalableTag<std::uint8_t> bytes;
-    const hn::ScalableTag<std::int16_t> d16;
+    const hn::ScalableTag<std::uint16_t> d16;
     const hn::ScalableTag<std::int32_t> d32;
     alignas(16) static constexpr std::uint8_t inPart[16]
-        = {0, 2, 4, 6, 8, 10, 12, 14, 1, 3, 5, 7, 9, 11, 13, 15};
-    // In each 16 bytes: 4 of the first vector, 4 of the second; in the odd ones those of the others.
-    const auto even = hn::ReorderDemote2To(d16, i_v0, i_v1);
-    const auto odd = hn::ReorderDemote2To(d16, i_v2, i_v3);
-    const auto mixed = hn::BitCast(bytes, hn::Or(even, hn::ShiftLeft<8>(odd)));
+        = {0, 4, 8, 12, 2, 6, 10, 14, 1, 5, 9, 13, 3, 7, 11, 15};
+    const auto v01 = hn::OddEven(hn::BitCast(d16, hn::ShiftLeft<16>(i_v1)), hn::BitCast(d16, i_v0));
+    const auto v23 = hn::OddEven(hn::BitCast(d16, hn::ShiftLeft<16>(i_v3)), hn::BitCast(d16, i_v2));
+    const auto mixed = hn::BitCast(bytes, hn::Or(v01, hn::ShiftLeft<8>(v23)));
     const auto sorted = hn::TableLookupBytes(mixed, hn::LoadDup128(bytes, inPart));
     return hn::BitCast(
         bytes, hn::TableLookupLanes(hn::BitCast(d32, sorted), hn::SetTableIndices(d32, i_order.lanes)));
