@@ -41,6 +41,8 @@ private:
 template <class Reaches>
 GreyLine GreyLine::find(qint64 i_last, double i_factor, double i_offset, const Reaches& i_reaches)
 {
+    if (!(i_factor > 0.0) || !std::isfinite(i_offset)) // of a range without an end
+        return {};
     constexpr int greatest = 255;
     std::array<qint64, greatest + 1> first; // the least n of each grey value
     double low = -0.5, high = greatest + 0.5 - double(i_last) * i_factor; // between these the offset must lie
