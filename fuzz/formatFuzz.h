@@ -10,8 +10,8 @@
 #include <tarnbase/cTracer.h>
 
 /**
- * Whatever bytes come as a file: it is read or refused with a reason, without great memory. What was read is written by
- * one of our formats and read back to the bit.
+ * Whatever bytes come as a file: it is read or refused with a reason, without great memory. What was read is
+ * written by one of our formats and read back to the bit.
  */
 inline int fuzzFormat(const cFileFormat& i_format, const std::uint8_t* i_data, std::size_t i_size)
 {
@@ -37,7 +37,8 @@ inline int fuzzFormat(const cFileFormat& i_format, const std::uint8_t* i_data, s
         || !same.isStructOf(image))
         std::abort();
     for (unsigned y = 0; y < image.getHeight(); ++y)
-        if (std::memcmp(same.getRow<unsigned char>(y), image.getRow<unsigned char>(y), image.getYPitch()) != 0)
+        if (std::memcmp(same.getRow<unsigned char>(y), image.getRow<unsigned char>(y), image.getYPitch())
+            != 0)
             std::abort();
     return 0;
 }

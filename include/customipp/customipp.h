@@ -41,9 +41,9 @@ CUSTOMIPP_EXPORT void ippsFree(void* ptr);
 #include <customipp/addC.def>
 #include <customipp/addProduct.def>
 #include <customipp/addSquare.def>
+#include <customipp/blockMinMax.def>
 #include <customipp/colorTwist.def>
 #include <customipp/compColorKey.def>
-#include <customipp/blockMinMax.def>
 #include <customipp/convert.def>
 #include <customipp/copy.def>
 #include <customipp/copyChannel.def>
@@ -53,12 +53,12 @@ CUSTOMIPP_EXPORT void ippsFree(void* ptr);
 #include <customipp/div.def>
 #include <customipp/divC.def>
 #include <customipp/dup.def>
+#include <customipp/findPeaks.def>
 #include <customipp/histogram.def>
 #include <customipp/hsvToRGB.def>
+#include <customipp/integral.def>
 #include <customipp/ln.def>
 #include <customipp/lut.def>
-#include <customipp/findPeaks.def>
-#include <customipp/integral.def>
 #include <customipp/maxEvery.def>
 #include <customipp/meanStdDev.def>
 #include <customipp/minEvery.def>
@@ -68,8 +68,8 @@ CUSTOMIPP_EXPORT void ippsFree(void* ptr);
 #include <customipp/norm.def>
 #include <customipp/normDiff.def>
 #include <customipp/polar.def>
-#include <customipp/reduceBits.def>
 #include <customipp/rectStdDev.def>
+#include <customipp/reduceBits.def>
 #include <customipp/rgbToGray.def>
 #include <customipp/rgbToHSV.def>
 #include <customipp/set.def>
