@@ -7,7 +7,6 @@
 #include <QTextCodec>
 #include <cstdio>
 #include <exception>
-#include <memory>
 #include <tarnbase/cTracer.h>
 
 namespace {
@@ -32,19 +31,31 @@ void passFatal(QtMsgType i_type, const QMessageLogContext&, const QString& i_tex
         std::fprintf(stderr, "%s\n", qUtf8Printable(i_text));
 }
 
-/** Most commands draw nothing. Those that do draw text into pictures, for which no screen is needed. */
-std::unique_ptr<QCoreApplication> makeApplication(int& io_count, char** io_words)
+#ifdef __SANITIZE_ADDRESS__
+/** What the font library keeps until the end is not ours; the leak checker asks for such places by this name.
+ */
+extern "C" __attribute__((visibility("default"), used)) const char* __lsan_default_suppressions()
+{
+    return "leak:libfontconfig\n";
+}
+#endif
+
+/**
+ * Most commands draw nothing. Those that do draw text into pictures, for which no screen is needed. The
+ * application lives until the process ends.
+ */
+QCoreApplication* makeApplication(int& io_count, char** io_words)
 {
     QStringList words;
     for (int i = 1; i < io_count; ++i)
         words.append(QString::fromLocal8Bit(io_words[i]));
     if (!host::drawsText(words))
-        return std::make_unique<QCoreApplication>(io_count, io_words);
+        return new QCoreApplication(io_count, io_words);
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     // It warns of places that a desktop session would have.
     const QtMessageHandler before = qInstallMessageHandler(passFatal);
-    auto application = std::make_unique<QGuiApplication>(io_count, io_words);
+    auto* application = new QGuiApplication(io_count, io_words);
     qInstallMessageHandler(before);
     return application;
 }
@@ -57,7 +68,8 @@ int main(int i_count, char** i_words)
     // File names and messages are UTF-8 whatever the locale says: in the plain "C" one names would not
     // survive.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
-    const auto application = makeApplication(i_count, i_words);
+    static QCoreApplication* const s_application = makeApplication(i_count, i_words);
+    Q_UNUSED(s_application)
     // The trace goes through the console, if at all.
     for (cTracer* channel : {&cTracer::cerr, &cTracer::cout})
         channel->setState(channel->getState() & ~QFlags<cTracer::ETracerState>(cTracer::ToDebugLog));

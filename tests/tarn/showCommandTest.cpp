@@ -40,6 +40,8 @@ protected:
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
         environment.remove(QStringLiteral("DISPLAY"));
+        // Under the sanitizers notes of libraries cannot be held back before they are loaded.
+        environment.insert(QStringLiteral("QT_LOGGING_RULES"), QStringLiteral("*.debug=false"));
         process.setProcessEnvironment(environment);
         process.setWorkingDirectory(m_folder.path());
         process.start(QStringLiteral(TARN_COMMAND),

@@ -37,8 +37,9 @@ struct ToPlanes {
     }
     HWY_INLINE void one(size_t x) const
     {
+        uint8_t* const chroma = x % 2 == 0 ? cb : cr; // GCC's sanitizer forgets x in an index of a choice
         y[x] = packed[2 * x];
-        (x % 2 == 0 ? cb : cr)[x / 2] = packed[2 * x + 1];
+        chroma[x / 2] = packed[2 * x + 1];
     }
 };
 
@@ -88,8 +89,9 @@ struct ToPacked {
     }
     HWY_INLINE void one(size_t x) const
     {
+        const uint8_t* const chroma = x % 2 == 0 ? cb : cr;
         packed[2 * x] = y[x];
-        packed[2 * x + 1] = (x % 2 == 0 ? cb : cr)[x / 2];
+        packed[2 * x + 1] = chroma[x / 2];
     }
 };
 
