@@ -5,6 +5,7 @@
 #include <support/guiApplication.h>
 #include <support/images.h>
 #include <support/qtPrinters.h>
+#include <support/skipUnderTsan.h>
 
 #include <QFile>
 #include <QImage>
@@ -220,6 +221,7 @@ TEST_F(showCommand, AnImageThatCannotBeReadIsAFailureAndNoMisuse)
 
 TEST_F(showCommand, TheSheetHasEveryTypeAndNeedsNoScreen)
 {
+    SKIP_WITHOUT_SIGHT_OF_QTS_THREADS();
     const Result result = show("--sheet sheet.png");
     EXPECT_EQ(result.exit, 0) << qUtf8Printable(result.errors);
     const QImage sheet = picture("sheet.png");

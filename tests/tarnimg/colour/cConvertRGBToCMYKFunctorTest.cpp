@@ -1,6 +1,7 @@
 #include "support/FencedMemory.h"
 #include "support/images.h"
 #include "support/messageOf.h"
+#include "support/skipUnderTsan.h"
 
 #include <array>
 #include <gtest/gtest.h>
@@ -50,6 +51,7 @@ cImg convert(const cImg& i_image, int i_threads = 1)
 
 TEST(cConvertRGBToCMYKFunctorTest, EveryLevelAndManyColoursHaveTheirInks)
 {
+    SKIP_WITHOUT_SIGHT_OF_QTS_THREADS();
     cImg levels(cImgType::RGB24, 256, 256);
     for (unsigned y = 0; y < 256; ++y)
         for (unsigned x = 0; x < 256; ++x) {
@@ -88,6 +90,7 @@ TEST(cConvertRGBToCMYKFunctorTest, WhiteHasNoInkAndBlackHasNothingButBlack)
 
 TEST(cConvertRGBToCMYKFunctorTest, RowsOfAViewAreTakenAsIfTheyTouchedEachOtherFromEachBandOn)
 {
+    SKIP_WITHOUT_SIGHT_OF_QTS_THREADS();
     const cImg parent = makeRandomImage(cImgType::RGB24, 12, 8);
     const cImg view(parent, false, cRect<int>(2, 1, 5, 6));
     EXPECT_TRUE(samePixels(convert(view), inksFrom(view.getConstData(), 3, 5, 6)));

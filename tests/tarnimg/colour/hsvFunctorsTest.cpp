@@ -1,6 +1,7 @@
 #include "support/StationHarness.h"
 #include "support/images.h"
 #include "support/messageOf.h"
+#include "support/skipUnderTsan.h"
 
 #include <array>
 #include <gtest/gtest.h>
@@ -73,6 +74,7 @@ template <class Functor> void expectMessages(const std::string& i_class)
 
 TEST(cConvertRGBToHSVFunctorTest, EveryPixelBecomesItsHueSaturationAndValueForAnyNumberOfThreads)
 {
+    SKIP_WITHOUT_SIGHT_OF_QTS_THREADS();
     for (const cImg& image : images())
         for (const int threads : {1, 0, 2, 3, 100}) {
             cConvertRGBToHSVFunctor functor;
@@ -83,6 +85,7 @@ TEST(cConvertRGBToHSVFunctorTest, EveryPixelBecomesItsHueSaturationAndValueForAn
 
 TEST(cConvertHSVToRGBFunctorTest, EveryPixelBecomesItsColourForAnyNumberOfThreads)
 {
+    SKIP_WITHOUT_SIGHT_OF_QTS_THREADS();
     for (const cImg& image : images())
         for (const int threads : {1, 0, 2, 3, 100}) {
             cConvertHSVToRGBFunctor functor;

@@ -1,4 +1,5 @@
 #include "frame/rowBands.h"
+#include <support/skipUnderTsan.h>
 
 #include <atomic>
 #include <gtest/gtest.h>
@@ -8,13 +9,6 @@
 
 using frame::runInBands;
 using frame::splitRows;
-
-// Qt's pool is not built for the thread sanitizer: how it hands tasks over looks like races.
-#ifdef __SANITIZE_THREAD__
-#define SKIP_WITHOUT_SIGHT_OF_QTS_POOL() GTEST_SKIP()
-#else
-#define SKIP_WITHOUT_SIGHT_OF_QTS_POOL() static_cast<void>(0)
-#endif
 
 TEST(rowBandsTest, TheLastBandTakesTheRemainder)
 {
@@ -57,7 +51,7 @@ TEST(rowBandsTest, OneThreadIsAnOrdinaryCall)
 
 TEST(rowBandsTest, EachRowIsDoneOnceAndNotByTheCaller)
 {
-    SKIP_WITHOUT_SIGHT_OF_QTS_POOL();
+    SKIP_WITHOUT_SIGHT_OF_QTS_THREADS();
     const auto caller = std::this_thread::get_id();
     std::mutex mutex;
     std::multiset<unsigned> done;
@@ -76,7 +70,7 @@ TEST(rowBandsTest, EachRowIsDoneOnceAndNotByTheCaller)
 
 TEST(rowBandsTest, TheStatusIsThatOfTheFirstBand)
 {
-    SKIP_WITHOUT_SIGHT_OF_QTS_POOL();
+    SKIP_WITHOUT_SIGHT_OF_QTS_THREADS();
     const auto failing = [](unsigned failingRow) {
         return [failingRow](
                    unsigned first, unsigned) { return first == failingRow ? ippStsSizeErr : ippStsNoErr; };
