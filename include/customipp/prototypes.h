@@ -204,7 +204,7 @@
     CUSTOMIPP_EXPORT IppStatus symbol(const S* pSrc, int srcStep, D* pDst, int dstStep, IppiSize roiSize,    \
         int noise, IppiDitherType dtype, int levels, Ipp8u* pBuffer);
 
-/* Pixels through a table: the size of the specification, its making, and its use. L is the type of levels and
+/* Pixels through a table: the size of the spec structure, its making, and its use. L is the type of levels and
  * values.
  */
 #define CUSTOMIPP_LUT_SIZE(symbol)                                                                           \

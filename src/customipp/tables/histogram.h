@@ -2,7 +2,7 @@
 
 #include "../checks.h"
 #include "../rows.h"
-#include "../specification.h"
+#include "../taggedState.h"
 
 #include <customipp/customipp.h>
 
@@ -11,7 +11,7 @@
 #include <cmath>
 #include <tuple>
 
-/** Histograms: the specification, which holds the levels, and the calls. */
+/** Histograms: the spec structure, which holds the levels, and the calls. */
 namespace customipp {
 
 inline constexpr uint32_t histogramMagic = 0x48495354;

@@ -2,7 +2,7 @@
 
 #include "../checks.h"
 #include "../rows.h"
-#include "../specification.h"
+#include "../taggedState.h"
 #include "lutTable.h"
 
 #include <customipp/customipp.h>
@@ -10,7 +10,7 @@
 #include <cstring>
 #include <tuple>
 
-/** Pixels through tables: the specification, which holds one whole table for each channel, and the calls. */
+/** Pixels through tables: the spec structure, which holds one whole table for each channel, and the calls. */
 namespace customipp {
 
 inline constexpr uint32_t lutMagic = 0x4C555431;
