@@ -8,11 +8,11 @@
 #include "filePatterns.h"
 #include "formats/fileBytes.h"
 #include "imageConversion.h"
+#include "rangeOption.h"
 
 #include <QFileInfo>
 #include <QHash>
 #include <QTextStream>
-#include <cmath>
 #include <optional>
 #include <unistd.h>
 
@@ -72,20 +72,12 @@ QString readType(const cOptions& i_options, Task& o_task)
                         ? QStringLiteral("known: ") + typeNames().join(QStringLiteral(", "))
                         : suggest(name, typeNames()));
     }
-    if (!i_options.has(QStringLiteral("--range")))
-        return {};
-    const QString text = i_options.get(QStringLiteral("--range"));
-    const QStringList ends = text.split(u',');
-    bool goodLow = false, goodHigh = false;
-    const double low = ends.first().toDouble(&goodLow);
-    const double high = ends.last().toDouble(&goodHigh);
-    if (ends.size() != 2 || !goodLow || !goodHigh || !std::isfinite(low) || !std::isfinite(high)
-        || !(low < high))
-        return QStringLiteral("--range expects LOW,HIGH with LOW below HIGH, found '%1'").arg(text);
-    if (o_task.type == cImgType::Invalid)
+    const QString wrong = readRangeOption(i_options, o_task.range);
+    if (!wrong.isEmpty())
+        return wrong;
+    if (o_task.range && o_task.type == cImgType::Invalid)
         return QStringLiteral("--range needs --type, which says onto which values to stretch\n"
                               "with the input's own type the values are stretched within it");
-    o_task.range = cDblRange(low, high);
     return {};
 }
 

@@ -2,9 +2,9 @@
 
 #include "cDiagnostic.h"
 #include "cOptions.h"
+#include "rangeOption.h"
 
 #include <QStringList>
-#include <cmath>
 #include <tarnbase/cDataValObj.h>
 #include <tarnbase/cMapObj.h>
 #include <tarnimg/cImg.h>
@@ -54,17 +54,9 @@ QString cDisplayOptions::read(const cOptions& i_options)
 {
     style = i_options.get(key("--style"));
     autoRange = i_options.has(key("--auto")) || i_options.has(key("--quantile"));
-    if (i_options.has(key("--range"))) {
-        const QString text = i_options.get(key("--range"));
-        const QStringList ends = text.split(u',');
-        bool goodLow = false, goodHigh = false;
-        const double low = ends.first().toDouble(&goodLow);
-        const double high = ends.last().toDouble(&goodHigh);
-        if (ends.size() != 2 || !goodLow || !goodHigh || !std::isfinite(low) || !std::isfinite(high)
-            || !(low < high))
-            return QStringLiteral("--range expects LOW,HIGH with LOW below HIGH, found '%1'").arg(text);
-        range = cDblRange(low, high);
-    }
+    const QString wrong = readRangeOption(i_options, range);
+    if (!wrong.isEmpty())
+        return wrong;
     if (i_options.has(key("--quantile"))) {
         const QString text = i_options.get(key("--quantile"));
         bool good = false;
