@@ -217,6 +217,24 @@ TEST(cIPort, RecordsAuditsWhenItIsTold)
     EXPECT_EQ(port.getAuditRecords().last().text, "299"_q);
 }
 
+TEST(cIPort, AuditsWhatItsListCallbackGetsUnlessTheDeliveryIsNotToBeAudited)
+{
+    Node node;
+    cIPort<double> port;
+    port.setListCallback([](const QList<cBufferT<double>*>& buffers) {
+        for (cBuffer* buffer : buffers)
+            buffer->releaseAndUnrefBufferAtPort();
+    });
+    port.enableAudit(true);
+    for (const bool audit : {false, true}) {
+        cBufferT<double>* buffer = node.out.getFreeBuffer(false);
+        buffer->setValue(audit ? 2.5 : 1.5);
+        port.receiveBuffer({buffer}, nullptr, audit);
+    }
+    ASSERT_EQ(port.getAuditRecords().size(), 1);
+    EXPECT_EQ(port.getAuditRecords().first().text, "2.5"_q);
+}
+
 TEST(cIPort, KeepsTheNewestEvents)
 {
     cIPort<double> port;

@@ -11,11 +11,14 @@
 #include <memory>
 #include <new>
 #include <stdexcept>
+#include <sys/mman.h>
+#include <sys/resource.h>
 #include <tarnbase/c2DPoint.h>
 #include <tarnbase/cDataValObj.h>
 #include <tarnbase/cTransform.h>
 #include <tarnimg/cImg.h>
 #include <type_traits>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -246,6 +249,34 @@ TEST(cImg, SizesBeyond32BitsAreRefusedLikeWantOfMemory)
     EXPECT_EQ(trace.take(), QStringList({s_refusal, s_refusal, s_refusal}));
 }
 
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+TEST(cImg, WantOfMemoryForACopyIsReportedAndLeavesTheImageAlone)
+{
+    // A source that takes no memory, of which no copy fits into the address space that is left.
+    constexpr std::size_t bytes = std::size_t(3) << 30;
+    void* reserved = mmap(nullptr, bytes, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    ASSERT_NE(reserved, MAP_FAILED);
+    cImg::releaseUnusedMemory();
+    {
+        cImg image(cImgType::UInt8, 65536, 49152, 1, 0, static_cast<unsigned char*>(reserved), nullptr);
+        const cImg second = image;
+        rlimit before {};
+        ASSERT_EQ(getrlimit(RLIMIT_AS, &before), 0);
+        const rlimit tight {rlim_t(takenPages() * sysconf(_SC_PAGESIZE)) + (1 << 30), before.rlim_max};
+        ASSERT_EQ(setrlimit(RLIMIT_AS, &tight), 0);
+        TraceLines trace;
+        EXPECT_TRUE(isRefused([&] { image.clone(); }));
+        EXPECT_TRUE(isRefused([&] { image.detach(); }));
+        EXPECT_TRUE(isRefused([&] { image.setName(QStringLiteral("new")); }));
+        EXPECT_EQ(setrlimit(RLIMIT_AS, &before), 0);
+        EXPECT_EQ(trace.take(), QStringList({s_refusal, s_refusal, s_refusal}));
+        EXPECT_EQ(image.getConstData(), second.getConstData());
+        EXPECT_EQ(image.getName(), QString());
+    }
+    munmap(reserved, bytes);
+}
+#endif
+
 TEST(cImg, MemoryFromOutsideIsUsedInPlace)
 {
     std::vector<unsigned char> memory(3 * 8);
@@ -404,6 +435,13 @@ TEST(cImg, AnEmptyRectangleMeansTheWholeImage)
     EXPECT_TRUE(view.isCompact());
     EXPECT_EQ(view.getConstData(), parent.getConstData());
     EXPECT_TRUE(samePixels(cImg(parent, true, Rect(3, 3, 0, 2)), parent));
+
+    cImg sameRecord = copy;
+    sameRecord.setPixel<quint8>(0, 0, 77); // shares the record, so it is copied first
+    EXPECT_EQ(parent.getPixel<quint8>(0, 0), 0);
+    cImg ownRecord(parent, false, Rect(3, 3, 0, 2));
+    ownRecord.setPixel<quint8>(0, 0, 77);
+    EXPECT_EQ(parent.getPixel<quint8>(0, 0), 77);
 }
 
 TEST(cImg, ADeepCopyIsCompactMemoryOfTheViewsSize)
