@@ -374,6 +374,13 @@ TEST(cImgTypeText, ShowsTheChannelOfTheStyle)
     type->setStyle(QStringLiteral("Channel 2"));
     EXPECT_EQ(textOf<quint8>(*type, {255, 2, 16}), QStringLiteral("16"));
     EXPECT_EQ(textOf<quint8>(*type, {255, 2, 16}, true), QStringLiteral("10"));
+    const auto floats = make(cImgType::Float32, 2), doubles = make(cImgType::Float64, 2),
+               words = make(cImgType::SInt64, 2);
+    for (cImgType* each : {floats.get(), doubles.get(), words.get()})
+        each->setStyle(QStringLiteral("Channel 1"));
+    EXPECT_EQ(textOf<float>(*floats, {1, 2}), QStringLiteral("2.00000"));
+    EXPECT_EQ(textOf<double>(*doubles, {1, 2}), QStringLiteral("2.00000"));
+    EXPECT_EQ(textOf<qint64>(*words, {1, 2}), QStringLiteral("2"));
 }
 
 TEST(cImgTypeText, ShowsIntegersInTheBase)
