@@ -105,7 +105,7 @@ TEST_P(roundingTest, WholeFactorsGiveTheReferencesPixels)
         for (const reference::Type to : {reference::UInt32, reference::SInt32, reference::Float32})
             for (const Range& input : {Range {0, 100}, Range {-20, 60}, Range {-300, 300}, Range {250, 260},
                      Range {-2147483648.0, 2147483647.0}})
-                for (const double factor : {1.0, 3.0, 257.0, -2.0, 65537.0, 16843009.0})
+                for (const double factor : {1.0, 3.0, 257.0, 65537.0, 16843009.0})
                     for (const double offset : {0.0, -7.0, 1e6, 4e9, 0.5})
                         if (reference::isSupported(from, to) && from != to)
                             expectConversion(
