@@ -42,6 +42,15 @@ TEST_F(JobTest, RunInTheOrderOfTheirStamps)
     EXPECT_EQ(station.getQueuedJobCount(), 5);
     while (station.runNextJob()) {}
     EXPECT_EQ(done, (std::vector<int> {2, 4, 5, 3, 1}));
+
+    done.clear();
+    std::vector<int> order;
+    for (int i = 0; i < 50; ++i) {
+        add(i, 7);
+        order.push_back(i);
+    }
+    while (station.runNextJob()) {}
+    EXPECT_EQ(done, order);
 }
 
 TEST_F(JobTest, AreDroppedWhileTheStationIsStopped)
