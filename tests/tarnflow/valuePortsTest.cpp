@@ -214,6 +214,7 @@ TEST(cIPort, RecordsAuditsWhenItIsTold)
     for (int i = 0; i < 300; ++i)
         node.out.send(i, i);
     EXPECT_EQ(port.getAuditRecords().size(), 256);
+    EXPECT_EQ(port.getAuditRecords().first().text, "44"_q);
     EXPECT_EQ(port.getAuditRecords().last().text, "299"_q);
 }
 
@@ -322,4 +323,7 @@ TEST(cOPort, AnnouncesStampsToAllReceivers)
     node.out.sendFinish(5);
     node.out.sendIdle();
     EXPECT_EQ(notices, (std::vector<std::pair<qint64, bool>> {{5, false}, {5, false}, {5, true}, {5, true}}));
+    node.out.sendFinish(cBufferStamp()); // a marker is no stamp that could be idle
+    node.out.sendIdle();
+    EXPECT_EQ(notices.back(), (std::pair<qint64, bool> {5, true}));
 }

@@ -460,6 +460,7 @@ TEST(cImg, ADeepCopyIsCompactMemoryOfTheViewsSize)
     EXPECT_TRUE(samePixels(clone, expected));
     EXPECT_EQ(clone.getYPitch(), 3u);
     EXPECT_FALSE(clone.isCompact()); // the mark of the view is inherited
+    EXPECT_FALSE(cImg(view, true, Rect(0, 0, 2, 2)).isCompact()); // also by a part of it
 
     cImg detached = view;
     cImg second = detached;
@@ -544,6 +545,19 @@ TEST(cImg, SettersLeaveTheOtherHandlesAlone)
     EXPECT_TRUE(samePixels(image, before));
 }
 
+TEST(cImg, AnAttributeThatMayBeWrittenIsTheHandlesOwn)
+{
+    cImg image = counted(2, 2);
+    image.setImgAttr(QStringLiteral("key"), new cDataValObj<int>(5));
+    const cImg before = image;
+    image.getImgAttr(QStringLiteral("key"))->setValue(6);
+    int value = 0;
+    EXPECT_TRUE(before.getImgAttr(QStringLiteral("key"))->getValue(value));
+    EXPECT_EQ(value, 5);
+    EXPECT_TRUE(std::as_const(image).getImgAttr(QStringLiteral("key"))->getValue(value));
+    EXPECT_EQ(value, 6);
+}
+
 TEST(cImg, AMissingAttributeIsTheVoidObject)
 {
     cImg image = counted(1, 1);
@@ -596,10 +610,13 @@ TEST(cImg, ResizeGivesNewPixelsAndLeavesViewsTheOldOnes)
     EXPECT_NE(image.getConstData(), view.getConstData() - 10);
     EXPECT_EQ(view.getPixel<quint8>(0, 0), 10);
 
-    cImg part(view);
-    part.resize(2, 2);
-    EXPECT_TRUE(part.isCompact());
-    EXPECT_EQ(part.getBufferOffset(), 0u);
+    cImg shared(view);
+    cImg alone(image, false, Rect(3, 1, 2, 1));
+    for (cImg* part : {&shared, &alone}) {
+        part->resize(5, 5);
+        EXPECT_TRUE(part->isCompact());
+        EXPECT_EQ(part->getBufferOffset(), 0u);
+    }
 }
 
 TEST(cImg, ResizeLetsGoOfMemoryFromOutside)
@@ -675,6 +692,10 @@ TEST(cImg, StructuresAreComparedWithoutTheTypes)
     EXPECT_FALSE(grey.isStructOf(cImg(cImgType::UInt16, 4, 3)));
     EXPECT_FALSE(grey.isStructOf(cImg(cImgType::UInt8, 3, 4)));
     EXPECT_FALSE(grey.isStructOf(cImg(cImg(cImgType::UInt8, 8, 3), false, Rect(0, 0, 4, 3)))); // the pitch
+    unsigned char memory[3 * 8] = {};
+    const cImg packed(cImgType::UInt8, 4, 3, 1, 8, memory, nullptr);
+    EXPECT_FALSE(packed.isStructOf(cImg(cImgType::UInt8, 4, 3, 2, 8, memory, nullptr)));
+    EXPECT_TRUE(packed.isStructOf(cImg(cImgType::SInt8, 4, 3, 1, 8, memory, nullptr)));
 }
 
 TEST(cImg, ImagesAreEqualIfTypeStructureAndBytesAre)

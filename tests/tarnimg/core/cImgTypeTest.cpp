@@ -213,6 +213,24 @@ TEST(cImgType, AStyleOutsideTheListIsIgnored)
     EXPECT_EQ(colour->getStyle(), QStringLiteral("Hue"));
 }
 
+TEST(cImgType, TheNumberOfTheStyleIsThatOfAChannel)
+{
+    /** Shows what types see of their base. */
+    class OpenColour : public cImgTypeRGB24 {
+    public:
+        using cImgType::getStyleID;
+    };
+    const Descriptor type(cImageTypeFactory::make<OpenColour>(1));
+    const auto numberOf = [&](const char* i_style) {
+        type->setStyle(QString::fromLatin1(i_style));
+        return static_cast<const OpenColour&>(*type).getStyleID();
+    };
+    EXPECT_EQ(numberOf("Default"), 0u);
+    EXPECT_EQ(numberOf("Green"), 2u);
+    EXPECT_EQ(numberOf("Blue"), 2u); // the fourth style of three channels
+    EXPECT_EQ(numberOf("Saturation"), 2u);
+}
+
 TEST(cImgType, ARangeIsLimitedInTwoStepsThatSwapItsEnds)
 {
     const auto grey = make(cImgType::UInt8);

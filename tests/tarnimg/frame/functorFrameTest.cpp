@@ -2,6 +2,7 @@
 #include "support/messageOf.h"
 
 #include <QMetaEnum>
+#include <QTextCodec>
 #include <customipp/customipp.h>
 #include <gtest/gtest.h>
 #include <tarnbase/cMapObj.h>
@@ -84,6 +85,16 @@ TEST(functorFrameTest, AWarningFailsLikeAnError)
     for (const IppStatus status : {ippStsDivByZero, ippStsSizeErr})
         EXPECT_EQ(messageOf([&] { checkIPPStatus(status); }),
             std::string("checkIPPStatus: ") + ippGetStatusString(status));
+}
+
+TEST(functorFrameTest, TheTextOfAFailureIsInTheLocalEncoding)
+{
+    QTextCodec* const before = QTextCodec::codecForLocale();
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+    EXPECT_EQ(messageOf([] { frame::fail(QString(QChar(0xfc))); }), "\xc3\xbc");
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+    EXPECT_EQ(messageOf([] { frame::fail(QString(QChar(0xfc))); }), "\xfc");
+    QTextCodec::setCodecForLocale(before);
 }
 
 TEST(functorFrameTest, AnEnumerationParameterHoldsAKeyAndKnowsTheOthers)
