@@ -15,7 +15,7 @@ QSharedPointer<cImgIO> findHandler(const QString& i_path, cImgIO::EFileIOFlag i_
     for (const cImgIO* handler : qAsConst(cImgIO::getImgIOSet())) {
         if (!handler->getFlags().testFlag(i_flag) || !handler->getFilter().contains(extension))
             continue;
-        if (const QSharedPointer<cImgIO> clone {handler->clone()})
+        if (QSharedPointer<cImgIO> clone {handler->clone()})
             return clone;
     }
     return {};

@@ -18,7 +18,8 @@ cYUV422PixelToPlanarFunctor::cYUV422PixelToPlanarFunctor() { addSupportedInput(c
 void cYUV422PixelToPlanarFunctor::operator()(const cImg& i_source, cImg& o_y, cImg& o_u, cImg& o_v) const
 {
     frame::checkInput(*this, i_source, s_operator);
-    const cImg source = i_source; // may be one of the results
+    // The source may be one of the results. NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
+    const cImg source = i_source;
     const unsigned width = source.getWidth(), height = source.getHeight() / 2;
     o_y = cImg(cImgType::UInt8, width, height, 1);
     o_u = cImg(cImgType::UInt8, width / 2, height, 1);
