@@ -19,7 +19,7 @@ public:
     static QHash<cImgType::ImageTypes, Creator>& getRegistry();
     /** Adds a creator if the type has none and the function is not empty. Returns whether the type had none.
      */
-    static bool registerType(const cImgType::ImageTypes& i_type, Creator i_creator);
+    static bool registerType(const cImgType::ImageTypes& i_type, const Creator& i_creator);
     /** A new descriptor, which the caller owns, or null for an unknown type. */
     static cImgType* create(const cImgType::ImageTypes& i_type, unsigned i_numChannels);
 

@@ -3,7 +3,7 @@
 #include "checks.h"
 #include "rows.h"
 
-#include <customipp/customipp.h>
+#include <customipp/types.h>
 
 #include <algorithm>
 #include <tuple>

@@ -1,7 +1,7 @@
 #include "displayOptions.h"
 
-#include "cDiagnostic.h"
 #include "cOptions.h"
+#include "contentRange.h"
 #include "rangeOption.h"
 
 #include <QStringList>
@@ -16,8 +16,8 @@ constexpr double s_greatestGamma = 100.0;
 
 QString key(const char* i_text) { return QString::fromLatin1(i_text); }
 
-/** Whether a quantile counts for this type. */
-bool hasHistogram(cImgType::ImageTypes i_type)
+/** Whether the descriptor finds its range itself, with and without a quantile, as a viewer would. */
+bool findsRange(cImgType::ImageTypes i_type)
 {
     switch (i_type) {
     case cImgType::RGB24:
@@ -25,22 +25,10 @@ bool hasHistogram(cImgType::ImageTypes i_type)
     case cImgType::UInt8:
     case cImgType::UInt16:
     case cImgType::SInt16:
-    case cImgType::Float32:
         return true;
     default:
         return false;
     }
-}
-
-/** Whether least and greatest pixel are known. */
-bool hasExtremes(cImgType::ImageTypes i_type)
-{
-    return hasHistogram(i_type) || i_type == cImgType::SInt32 || i_type == cImgType::Float64;
-}
-
-bool isFloat(cImgType::ImageTypes i_type)
-{
-    return i_type == cImgType::Float32 || i_type == cImgType::Float64;
 }
 
 template <class T> void set(cMapObj& io_params, const char* i_path, const T& i_value)
@@ -117,22 +105,20 @@ QString cDisplayOptions::applyRange(const cImg&, cImgType& io_type) const
 
 QString cDisplayOptions::applyAutoRange(const cImg& i_image, cImgType& io_type) const
 {
-    const QString& name = io_type.getName();
-    if (!hasExtremes(io_type.getTypeId()))
-        return QStringLiteral("%1 images have no automatic range\nleave --auto out").arg(name);
-    if (isFloat(io_type.getTypeId()) && i_image.getNumChannels() > 1)
-        return QStringLiteral("the automatic range of %1 is that of one channel, found %2 channels\n"
-                              "give the range by --range LOW,HIGH")
-            .arg(name)
-            .arg(i_image.getNumChannels());
-    if (quantile > 0.0 && !hasHistogram(io_type.getTypeId()))
-        return QStringLiteral(
-            "--quantile has no effect on %1\nuse --auto, which takes least and greatest value")
-            .arg(name);
-    cMapObj params;
-    set(params, "AutoRange/Use", true);
-    set(params, "AutoRange/Quantil", quantile);
-    io_type.setParams(params);
+    if (findsRange(io_type.getTypeId())) {
+        cMapObj params;
+        set(params, "AutoRange/Use", true);
+        set(params, "AutoRange/Quantil", quantile);
+        io_type.setParams(params);
+        return {};
+    }
+    // The other descriptors know no extremes, no quantile, one channel only, or measure a quantile from 0.
+    if (io_type.getMaxRange() == cDblRange())
+        return QStringLiteral("%1 images have no automatic range\nleave --auto out").arg(io_type.getName());
+    const std::optional<cDblRange> found = contentRange(i_image, quantile);
+    if (!found)
+        return QStringLiteral("no value of the image is finite\ngive the range by --range LOW,HIGH");
+    io_type.setRange(*found);
     return {};
 }
 

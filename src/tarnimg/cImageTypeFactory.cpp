@@ -22,7 +22,7 @@ QHash<cImgType::ImageTypes, cImageTypeFactory::Creator>& cImageTypeFactory::getR
     return s_registry;
 }
 
-bool cImageTypeFactory::registerType(const cImgType::ImageTypes& i_type, Creator i_creator)
+bool cImageTypeFactory::registerType(const cImgType::ImageTypes& i_type, const Creator& i_creator)
 {
     auto& registry = getRegistry();
     if (registry.contains(i_type))

@@ -74,9 +74,7 @@ cImg::cImg(const cImg& i_other, bool i_deepCopy, const cRect<int>& i_rect) : m_d
 
 cImg& cImg::operator=(const cImg& i_other)
 {
-    ref(i_other.m_data);
-    deref(std::exchange(m_data, i_other.m_data));
-    return *this;
+    return *this = cImg(i_other);
 }
 
 cImg& cImg::operator=(cImg&& io_other) noexcept

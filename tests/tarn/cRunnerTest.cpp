@@ -134,6 +134,16 @@ TEST_F(cRunnerTest, AFlowThatCannotMoveIsReportedWithWhoWaitsForWhom)
     EXPECT_TRUE(m_errors.contains("f.img")) << m_errors.constData();
 }
 
+TEST_F(cRunnerTest, EveryEndHasItsNumber)
+{
+    EXPECT_EQ(int(EExit::Good), 0);
+    EXPECT_EQ(int(EExit::SomeFailed), 1);
+    EXPECT_EQ(int(EExit::BadUsage), 2);
+    EXPECT_EQ(int(EExit::Stalled), 3);
+    EXPECT_EQ(int(EExit::Died), 4);
+    EXPECT_EQ(int(EExit::Interrupted), 130);
+}
+
 TEST_F(cRunnerTest, OneInterruptDrainsTwoStop)
 {
     EXPECT_EQ(run("files @ repeat=100000 ! look", [] { return 1; }), EExit::Interrupted);

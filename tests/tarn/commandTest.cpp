@@ -136,6 +136,19 @@ TEST_F(command, AFailedStepIsNamedWithItsFrame)
         << result.errors.toStdString();
 }
 
+TEST_F(command, AFailedStepLeavesTheOtherBranchesAlone)
+{
+    writeFrames(QStringLiteral("a"), 3);
+    writeFrames(QStringLiteral("b"), 3);
+    host::writeImage(path(QStringLiteral("b/f1.png")), makeRandomImage(cImgType::UInt8, 5, 4));
+    const Result result = run("files a name=f ! save whole/{stem}.png   f. ! d.img1   files b ! d.img2   "
+                              "difference name=d ! save out/{stem}.png");
+    EXPECT_EQ(result.exit, 1);
+    EXPECT_EQ(filesIn(QStringLiteral("whole")).size(), 3);
+    EXPECT_EQ(
+        filesIn(QStringLiteral("out")), (QStringList {QStringLiteral("f0.png"), QStringLiteral("f2.png")}));
+}
+
 TEST_F(command, StopsReadingAtTheFirstFailureIfAsked)
 {
     writeFrames(QStringLiteral("in"), 1);

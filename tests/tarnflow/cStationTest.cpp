@@ -42,6 +42,15 @@ TEST_F(JobTest, RunInTheOrderOfTheirStamps)
     EXPECT_EQ(station.getQueuedJobCount(), 5);
     while (station.runNextJob()) {}
     EXPECT_EQ(done, (std::vector<int> {2, 4, 5, 3, 1}));
+
+    done.clear();
+    std::vector<int> order;
+    for (int i = 0; i < 50; ++i) {
+        add(i, 7);
+        order.push_back(i);
+    }
+    while (station.runNextJob()) {}
+    EXPECT_EQ(done, order);
 }
 
 TEST_F(JobTest, AreDroppedWhileTheStationIsStopped)
@@ -417,4 +426,59 @@ TEST(cStepScope, GivesAMisfitToTheStationWhoseStepItIs)
     }
     ASSERT_EQ(station.getMisfits().size(), 1);
     EXPECT_EQ(station.getMisfits().first().message, QStringLiteral("its step"));
+}
+
+TEST(cStation, SaysWhatItIs)
+{
+    cStation station(QStringLiteral("s"));
+    EXPECT_TRUE(station.isStation());
+    EXPECT_FALSE(station.isGraph());
+    EXPECT_FALSE(station.isProject());
+    EXPECT_EQ(station.getView(), nullptr);
+    EXPECT_EQ(station.getPathName(), "s"_q);
+    EXPECT_EQ(station.getInport("img"_q), nullptr);
+    EXPECT_EQ(station.getOutport("img"_q), nullptr);
+    EXPECT_TRUE(station.canStart());
+    EXPECT_EQ(cStation().getName(), QString());
+}
+
+TEST(cStation, IsToldWhenItIsSwitched)
+{
+    class SwitchedStation : public cStation {
+    public:
+        QList<bool> told;
+        void enableChanged(bool i_enabled) override { told.append(i_enabled); }
+    };
+    cGraph graph;
+    auto& station = addTo(graph, "s", new SwitchedStation());
+    EXPECT_TRUE(station.isEnabled());
+    station.setEnabled(false);
+    EXPECT_FALSE(station.isEnabled());
+    station.setEnabled(true);
+    EXPECT_EQ(station.told, (QList<bool> {false, true}));
+    graph.setEnabled(false);
+    EXPECT_FALSE(station.isEnabled());
+    EXPECT_EQ(station.told, (QList<bool> {false, true, false})) << "with its graph";
+    station.setEnabled(true);
+    EXPECT_FALSE(station.told.last()) << "whether it takes part";
+}
+
+TEST(cDfpNode, ANameKeepsLettersDigitsAndDashes)
+{
+    cStation station;
+    EXPECT_EQ(station.checkName("left-camera_2"_q), "left-camera_2"_q);
+    EXPECT_EQ(station.checkName(" a b/c.d!"_q), "abcd"_q);
+    EXPECT_EQ(station.checkName(QString()), QString());
+}
+
+TEST(cDfpNode, APortIsGoneOnceItIsRemoved)
+{
+    cStation station;
+    cOPort<double> out(&station, "out"_q, 5);
+    cIPort<double> in(&station, "in"_q);
+    EXPECT_EQ(station.getOutport("out"_q), &out);
+    station.removePort(&out);
+    EXPECT_EQ(station.getOutport("out"_q), nullptr);
+    EXPECT_EQ(station.getInport("in"_q), &in);
+    EXPECT_EQ(in.getPortPath(), ".in"_q);
 }

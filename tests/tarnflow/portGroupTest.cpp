@@ -1,12 +1,15 @@
 #include "ProbeStation.h"
 
+#include <QTextCodec>
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <support/StationHarness.h>
 #include <support/qtPrinters.h>
 #include <tarnbase/cError.h>
 #include <tarnflow/SEHException.h>
+#include <tarnflow/cGraph.h>
 #include <tarnflow/cStepScope.h>
+#include <tarnflow/cThreadWatch.h>
 
 namespace {
 using Stamps = QList<qint64>;
@@ -118,6 +121,28 @@ TEST(portGroupTest, AMissingRequiredBufferDropsAndAnnouncesTheStamp)
     EXPECT_EQ(harness.sender("a")->getHeldCount(), 0);
 }
 
+TEST(portGroupTest, ADropIsReportedWithWholePaths)
+{
+    TraceLines trace;
+    cGraph graph;
+    cGraph& inner = *graph.addGraph(QStringLiteral("sub"));
+    auto* station = new TwoInputs(sendSum);
+    auto* feeder = new cStation(QStringLiteral("feeder"));
+    station->setManual(true);
+    ASSERT_TRUE(inner.addNode(station) && inner.addNode(feeder));
+    cOPort<double> first(feeder, QStringLiteral("first"), 5);
+    cOPort<double> second(feeder, QStringLiteral("second"), 5);
+    ASSERT_TRUE(inner.link(&first, &station->group.getPort<0>()));
+    ASSERT_TRUE(inner.link(&second, &station->group.getPort<1>()));
+    station->start(EStartReason::Start);
+    first.send(1.0, 10);
+    first.sendFinish(10);
+    second.sendFinish(10);
+    EXPECT_EQ(trace.take(),
+        QStringList {QStringLiteral("sub/probe has dropped data (10) got from station: sub/feeder.first\n")});
+    station->stop();
+}
+
 TEST(portGroupTest, AQueueCanDropInSilence)
 {
     auto* station = new TwoInputs(sendSum);
@@ -157,6 +182,18 @@ TEST(portGroupTest, AnOptionalInputWithoutASenderNeverBlocks)
     EXPECT_EQ(harness.values<double>("out"), QVector<double> {7.0});
 }
 
+TEST(portGroupTest, ARequiredInputWithoutASenderBlocksForGood)
+{
+    auto* station = new TwoInputs(sendSum);
+    StationHarness harness(station, {QStringLiteral("b")});
+    harness.feed("a", 7.0, 10);
+    harness.feed("a", 8.0, 20);
+    EXPECT_FALSE(harness.runStep());
+    EXPECT_EQ(harness.finished("out"), Stamps());
+    EXPECT_EQ(station->group.getDataCount(harness.inport("a")), 2);
+    EXPECT_EQ(harness.takeTrace(), QStringList());
+}
+
 TEST(portGroupTest, AnOptionalInputWithASenderIsWaitedForButMayGiveNothing)
 {
     auto* station = new TwoInputs(sendSum);
@@ -173,6 +210,25 @@ TEST(portGroupTest, AnOptionalInputWithASenderIsWaitedForButMayGiveNothing)
     harness.finish("b", 15, true);
     EXPECT_TRUE(harness.runStep()) << "an idle sender is not waited for";
     EXPECT_EQ(harness.values<double>("out"), (QVector<double> {7.0, 8.0}));
+
+    harness.feed("a", 9.0, 30);
+    EXPECT_EQ(station->group.getStampCount(harness.inport("b")), 0);
+    EXPECT_TRUE(harness.runStep()) << "also when none of its stamps is left";
+}
+
+TEST(portGroupTest, ARequiredInputWhoseSenderIsIdleGivesNothingToTheMatch)
+{
+    StationHarness harness(new TwoInputs(sendSum));
+    harness.feed("a", 7.0, 10);
+    harness.feed("b", 1.0, 10);
+    harness.finish("b", 11, true);
+    harness.runAll();
+    harness.feed("a", 8.0, 20);
+    harness.feed("a", 9.0, 30);
+    EXPECT_FALSE(harness.runStep());
+    EXPECT_EQ(harness.finished("out"), (Stamps {10, 20, 30}));
+    EXPECT_EQ(harness.values<double>("out"), QVector<double> {8.0});
+    EXPECT_EQ(harness.fates("a").incomplete, 2u);
 }
 
 TEST(portGroupTest, ArrivingDataEndsIdleness)
@@ -283,6 +339,19 @@ TEST(portGroupTest, FromOneSenderALaterBufferHidesWhatIsBehindIt)
     EXPECT_EQ(station->group.getDataCount(harness.inport("a")), 2);
 }
 
+TEST(portGroupTest, OfSendersThatAreSwitchedOffBuffersAreTakenByStamp)
+{
+    auto* station = new OneInput(sendValue);
+    StationHarness harness(station);
+    harness.send("a", 3.0, 30);
+    harness.send("a", 1.0, 10);
+    harness.sender("a")->getNode()->setEnabled(false);
+    EXPECT_EQ(harness.inport("a")->getEnabledChannelCount(), 0u);
+    harness.finish("a", 10);
+    harness.runAll();
+    EXPECT_EQ(harness.values<double>("out"), QVector<double> {1.0});
+}
+
 TEST(portGroupTest, ALateStampTakesItsPlaceAndIsMatched)
 {
     auto* station = new TwoInputs(sendSum);
@@ -326,6 +395,21 @@ TEST(portGroupTest, ADelayedInputShowsTheBufferOfTheMatchBeforeAtAFixedDistance)
     EXPECT_EQ(fates.used, 3u) << "each is counted at the first match that sees it";
     EXPECT_EQ(fates.waiting, 1u);
     EXPECT_EQ(fates.arrived, fates.getSum());
+}
+
+TEST(portGroupTest, ADelayOfTwoShowsTheBufferOfTheMatchBeforeTheLast)
+{
+    QVector<double> seen;
+    auto* station
+        = new OneInput([&](OneInput&, cBufferT<double>* i_buffer) { seen << i_buffer->getValue(); });
+    station->group.getQueue<0>().delay = 2;
+    StationHarness harness(station);
+    for (int i = 1; i <= 5; ++i) {
+        harness.feed("a", double(i), 10 * i);
+        harness.runAll();
+    }
+    EXPECT_EQ(seen, (QVector<double> {1, 1, 1, 2, 3}));
+    EXPECT_EQ(harness.sender("a")->getHeldCount(), 2);
 }
 
 TEST(portGroupTest, ABufferThatSomebodyElseHoldsKeepsItsStamp)
@@ -400,6 +484,55 @@ TEST(portGroupTest, AMarkerBehindALateStampIsUsedUpAllTheSame)
 }
 
 // --- the step ---
+
+TEST(portGroupTest, StepsOfAllGroupsRunInTheOrderOfTheirStamps)
+{
+    class cTwoGroups : public cStation {
+    public:
+        cTwoGroups() : cStation(QStringLiteral("two")) {}
+        QStringList calls;
+        cPortGroup<double> first {this, [this] { calls << QStringLiteral("first"); }, QStringLiteral("a")};
+        cPortGroup<double> second {this, [this] { calls << QStringLiteral("second"); }, QStringLiteral("b")};
+    };
+    auto* station = new cTwoGroups;
+    StationHarness harness(station);
+    harness.feed("a", 1.0, 20);
+    harness.feed("b", 1.0, 10);
+    harness.runAll();
+    EXPECT_EQ(station->calls, (QStringList {QStringLiteral("second"), QStringLiteral("first")}));
+}
+
+TEST(portGroupTest, TheTimeOfAStepBeginsWithIt)
+{
+    constexpr qint64 spell = 20000000; // nanoseconds
+    const auto work = [] {
+        cThreadWatch watch;
+        watch.start();
+        while (watch.elapsed() < spell) {}
+    };
+    auto* station = new OneInput([&](OneInput&, cBufferT<double>* i_buffer) {
+        if (i_buffer->getValue() > 0)
+            work();
+    });
+    StationHarness harness(station);
+    work();
+    harness.feed("a", 0.0, 10);
+    harness.runAll();
+    EXPECT_LT(station->group.getExecutionTime(), spell);
+    harness.feed("a", 1.0, 20);
+    harness.runAll();
+    EXPECT_GE(station->group.getExecutionTime(), spell);
+}
+
+TEST(portGroupTest, ADispatchTurnsDroppingOn)
+{
+    auto* station = new OneInput(sendValue);
+    StationHarness harness(station);
+    harness.feed("a", 1.0, 10);
+    EXPECT_FALSE(station->group.enableDropping()) << "it is on already";
+    station->group.reset();
+    EXPECT_TRUE(station->group.enableDropping());
+}
 
 TEST(portGroupTest, StepsAreFoundByTheirArguments)
 {
@@ -545,6 +678,19 @@ TEST(portGroupTest, AnExceptionIsReportedAndTheNextMatchRuns)
     EXPECT_FALSE(station->isDead());
 }
 
+TEST(portGroupTest, TheTextOfAnExceptionIsInTheLocalEncoding)
+{
+    QTextCodec* const before = QTextCodec::codecForLocale();
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+    StationHarness harness(
+        new OneInput([](OneInput&, cBufferT<double>*) { throw std::runtime_error("gr\xc3\xbcn"); }));
+    harness.feed("a", 1.0, 10);
+    harness.runAll();
+    QTextCodec::setCodecForLocale(before);
+    ASSERT_EQ(harness.errors().size(), 1);
+    EXPECT_EQ(harness.errors().first().getMessage(), QString::fromUtf8("gr\xc3\xbcn"));
+}
+
 TEST(portGroupTest, AnExceptionWithoutATextIsUnknown)
 {
     StationHarness harness(new OneInput([](OneInput&, cBufferT<double>*) { throw cNullException(); }));
@@ -617,6 +763,24 @@ TEST(portGroupTest, ASenderThatGoesTakesItsBuffersBackAndEmptiesTheQueuesOfTheOt
     EXPECT_EQ(harness.runAll(), 1);
     EXPECT_EQ(harness.sender("b")->getHeldCount(), 0) << "but the station's next job gives it back";
     EXPECT_EQ(harness.matches(), Stamps());
+}
+
+TEST(portGroupTest, AfterEmptyingASenderIsNoLongerIdle)
+{
+    for (const bool byReset : {true, false}) {
+        auto* station = new TwoInputs(sendSum);
+        station->group.getQueue<1>().required = false;
+        StationHarness harness(station);
+        harness.finish("b", 5, true);
+        if (byReset)
+            station->group.reset();
+        else
+            station->group.removeSender(nullptr);
+        harness.feed("a", 7.0, 10);
+        EXPECT_FALSE(harness.runStep());
+        harness.finish("b", 10);
+        EXPECT_TRUE(harness.runStep());
+    }
 }
 
 TEST(portGroupTest, WithoutANameAllSendersGo)
@@ -772,6 +936,17 @@ TEST(portGroupTest, QueuesAreDescribedByPort)
     EXPECT_EQ(station->group.getOldestStamp(a), 10);
     EXPECT_EQ(station->group.getNewestStamp(a), 20);
     EXPECT_EQ(station->group.getQueueParams(a).name, QStringLiteral("a"));
+}
+
+TEST(portGroupTest, PortsAreFoundByTheirNames)
+{
+    auto* station = new TwoInputs(sendSum);
+    StationHarness harness(station);
+    harness.feed("b", 1.0, 10);
+    cIPort<double> namesake(nullptr, QStringLiteral("b"));
+    EXPECT_EQ(station->group.getDataCount(&namesake), 1);
+    EXPECT_EQ(station->group.getOldestStamp(&namesake), 10);
+    EXPECT_EQ(station->group.getQueueParams(&namesake).name, QStringLiteral("b"));
 }
 
 TEST(portGroupTest, AnUnknownPortHasNoQueue)

@@ -214,7 +214,26 @@ TEST(cIPort, RecordsAuditsWhenItIsTold)
     for (int i = 0; i < 300; ++i)
         node.out.send(i, i);
     EXPECT_EQ(port.getAuditRecords().size(), 256);
+    EXPECT_EQ(port.getAuditRecords().first().text, "44"_q);
     EXPECT_EQ(port.getAuditRecords().last().text, "299"_q);
+}
+
+TEST(cIPort, AuditsWhatItsListCallbackGetsUnlessTheDeliveryIsNotToBeAudited)
+{
+    Node node;
+    cIPort<double> port;
+    port.setListCallback([](const QList<cBufferT<double>*>& buffers) {
+        for (cBuffer* buffer : buffers)
+            buffer->releaseAndUnrefBufferAtPort();
+    });
+    port.enableAudit(true);
+    for (const bool audit : {false, true}) {
+        cBufferT<double>* buffer = node.out.getFreeBuffer(false);
+        buffer->setValue(audit ? 2.5 : 1.5);
+        port.receiveBuffer({buffer}, nullptr, audit);
+    }
+    ASSERT_EQ(port.getAuditRecords().size(), 1);
+    EXPECT_EQ(port.getAuditRecords().first().text, "2.5"_q);
 }
 
 TEST(cIPort, KeepsTheNewestEvents)
@@ -304,4 +323,7 @@ TEST(cOPort, AnnouncesStampsToAllReceivers)
     node.out.sendFinish(5);
     node.out.sendIdle();
     EXPECT_EQ(notices, (std::vector<std::pair<qint64, bool>> {{5, false}, {5, false}, {5, true}, {5, true}}));
+    node.out.sendFinish(cBufferStamp()); // a marker is no stamp that could be idle
+    node.out.sendIdle();
+    EXPECT_EQ(notices.back(), (std::pair<qint64, bool> {5, true}));
 }

@@ -36,6 +36,16 @@ template <class D> HWY_INLINE hn::Vec<D> withOneNaN(D d, hn::Vec<D> v)
     return hn::IfThenElse(hn::Eq(v, v), v, hn::Set(d, std::numeric_limits<float>::quiet_NaN()));
 }
 
+/**
+ * A part of a row on its way. Both operations go in two steps: the chain from the parts of a number to its
+ * result is so long that in one step few of them would be under way at once.
+ */
+struct Halfway {
+    static constexpr size_t most = 512;
+    alignas(64) float first[most];
+    alignas(64) float second[most];
+};
+
 /** What v^2 is greater than v^2 rounded to float: a float itself, unless it is too small for one. */
 template <class V> HWY_INLINE V restOfSquare(V v, V square)
 {
@@ -51,33 +61,75 @@ template <class V> HWY_INLINE V restOfSquare(V v, V square)
 #endif
 }
 
+/** sum - v^2, where the two are close together. */
+template <class V> HWY_INLINE V restOfSum(V sum, V v)
+{
+#if HWY_NATIVE_FMA
+    return hn::NegMulAdd(v, v, sum);
+#else
+    const auto square = hn::Mul(v, v);
+    return hn::Sub(hn::Sub(sum, square), restOfSquare(v, square));
+#endif
+}
+
+/** About the root of a number and half its reciprocal, each off by less than 2^-22 of itself. */
+template <class D> struct Root {
+    hn::Vec<D> root, halfInverse;
+
+    HWY_INLINE Root(D d, hn::Vec<D> v)
+    {
+        // The estimate has 11 bits at the least on x86, 8 elsewhere; each step doubles them.
+        constexpr int steps = HWY_ARCH_X86 ? 1 : 2;
+        const auto half = hn::Set(d, 0.5f), estimate = hn::ApproximateReciprocalSqrt(v);
+        root = hn::Mul(v, estimate);
+        halfInverse = hn::Mul(half, estimate);
+        for (int step = 0; step < steps; ++step) {
+            const auto lack = hn::NegMulAdd(root, halfInverse, half);
+            root = hn::MulAdd(root, lack, root);
+            halfInverse = hn::MulAdd(halfInverse, lack, halfInverse);
+        }
+    }
+};
+
 /**
  * The squares of floats are exact in double, and no sum of them overflows or underflows there; its root in
  * double is rounded to float.
  *
- * As that is slow, the sum is also taken as a float and the exact rest that it lacks, and the root as the
- * root y of that float and the rest / 2y that this lacks: it is off by less than 2^-42 of itself. If both
- * ends of that span round to the same float, it is the right one, however the numbers were combined. Only
- * where they do not, near the middle between two floats, and for sums that are too small or too great for
- * this, the root in double is taken.
+ * As that is slow, the sum is also taken as a float and the exact rest that it lacks, and the root as a float
+ * y near it and the rest / 2y that this lacks: it is off by less than 2^-42 of itself, whatever the estimate
+ * was that y comes from. If both ends of that span round to the same float, it is the right one, however the
+ * numbers were combined. Only where they do not, near the middle between two floats, and for sums that are
+ * too small or too great for this, the root in double is taken.
  */
-struct Magnitude {
-    using Dst = float;
+struct SumOfSquares {
     static constexpr size_t least = 1;
     const float* src;
+    Halfway& to; ///< the sum and its rest
+
+    template <class D, class Store> HWY_INLINE void operator()(D d, size_t x, Store store) const
+    {
+        const auto [re, im] = loadParts(d, src + 2 * x);
+        const auto re2 = hn::Mul(re, re), im2 = hn::Mul(im, im), sum = hn::Add(re2, im2);
+        const auto lost = hn::Sub(hn::Min(re2, im2), hn::Sub(sum, hn::Max(re2, im2)));
+        store(sum, d, to.first + x);
+        store(hn::Add(lost, hn::Add(restOfSquare(re, re2), restOfSquare(im, im2))), d, to.second + x);
+    }
+};
+
+struct RootOfSum {
+    static constexpr size_t least = 1;
+    const float* src;
+    const Halfway& from;
     float* dst;
 
     template <class D, class Store> HWY_INLINE void operator()(D d, size_t x, Store store) const
     {
-        const auto parts = loadParts(d, src + 2 * x);
-        const auto re2 = hn::Mul(parts.re, parts.re), im2 = hn::Mul(parts.im, parts.im);
-        const auto sum = hn::Add(re2, im2), y = hn::Sqrt(sum), y2 = hn::Mul(y, y);
-        const auto lost = hn::Sub(hn::Min(re2, im2), hn::Sub(sum, hn::Max(re2, im2)));
-        const auto ofSquares = hn::Add(restOfSquare(parts.re, re2), restOfSquare(parts.im, im2));
-        const auto ofRoot = hn::Sub(hn::Sub(sum, y2), restOfSquare(y, y2));
-        const auto rest = hn::Add(ofRoot, hn::Add(lost, ofSquares));
-        const auto more = hn::Div(rest, hn::Add(y, y)), margin = hn::Mul(y, hn::Set(d, 0x1p-42f));
-        const auto lower = hn::Add(y, hn::Sub(more, margin)), upper = hn::Add(y, hn::Add(more, margin));
+        const auto sum = loadAnywhere(d, from.first + x);
+        const Root<D> near(d, sum);
+        const auto y = near.root, rest = hn::Add(restOfSum(sum, y), loadAnywhere(d, from.second + x));
+        const auto more = hn::Mul(rest, near.halfInverse), margin = hn::Set(d, 0x1p-42f);
+        const auto lower = hn::Add(y, hn::NegMulAdd(y, margin, more));
+        const auto upper = hn::Add(y, hn::MulAdd(y, margin, more));
         // A sum that overflows makes both NaN.
         const auto isKnown = hn::And(hn::Eq(lower, upper), hn::Gt(sum, hn::Set(d, 0x1p-60f)));
         if (HWY_LIKELY(hn::AllTrue(d, isKnown)))
@@ -104,40 +156,51 @@ private:
 };
 
 /**
- * The angle to the nearer axis is the arc tangent of the smaller part by the greater one, by an odd
- * polynomial of degree 17 whose error on 0 to 1 is below 2e-8; it is added to the angle of that axis or
- * subtracted from it.
+ * The angle to the nearer axis is the arc tangent of the smaller part by the greater one; it is added to the
+ * angle of that axis.
  */
-struct Phase {
-    using Dst = float;
+struct Direction {
     static constexpr size_t least = 1;
     const float* src;
-    float* dst;
+    Halfway& to; ///< that quotient, with the sign of its angle; the axis, with the sign of the phase
 
     template <class D, class Store> HWY_INLINE void operator()(D d, size_t x, Store store) const
     {
         const auto zero = hn::Zero(d);
         const auto [re, im] = loadParts(d, src + 2 * x);
-        const auto width = hn::Abs(re), height = hn::Abs(im);
-        const auto isSteep = hn::Gt(height, width), isLeft = hn::Lt(re, zero);
-        const auto smaller = hn::IfThenElse(isSteep, width, height);
-        const auto greater = hn::IfThenElse(isSteep, height, width);
-        // Equal parts, infinite ones too, lie halfway; of 0 any quotient would do but NaN.
-        auto quotient = hn::IfThenElse(hn::Eq(smaller, greater), hn::Set(d, 1.0f), hn::Div(smaller, greater));
-        quotient = hn::IfThenZeroElse(hn::Eq(greater, zero), quotient);
-
-        auto angle = arcTangent(d, quotient);
-        angle = hn::IfThenElse(hn::Xor(isSteep, isLeft), hn::Neg(angle), angle);
-        // The axis, pi / 2, pi or 0, in two parts.
+        const auto isLeft = hn::Lt(re, zero), sign = hn::Add(im, zero); // -0 counts as 0
+        // Floats without a sign have the order of their bits, and what is no number is the greatest.
+        const hn::RebindToSigned<D> di;
+        const auto width = hn::BitCast(di, hn::Abs(re)), height = hn::BitCast(di, hn::Abs(im));
+        const auto isSteep = hn::RebindMask(d, hn::Gt(height, width));
+        // Of 0 any quotient would do but NaN. Equal parts, infinite ones too, lie halfway.
+        const auto smaller = hn::BitCast(d, hn::Min(width, height));
+        const auto greater = hn::BitCast(d, hn::Max(hn::Max(width, height), hn::Set(di, 1)));
+        auto quotient = hn::IfThenElse(hn::Gt(greater, smaller), hn::Div(smaller, greater), hn::Set(d, 1.0f));
+        quotient = hn::CopySign(quotient, sign);
+        quotient = hn::IfThenElse(hn::Xor(isSteep, isLeft), hn::Neg(quotient), quotient);
         const auto axis = hn::IfThenElse(
             isSteep, hn::Set(d, 1.57079637f), hn::IfThenElseZero(isLeft, hn::Set(d, 3.14159274f)));
-        const auto axisRest = hn::IfThenElse(
-            isSteep, hn::Set(d, -4.37113883e-8f), hn::IfThenElseZero(isLeft, hn::Set(d, -8.74227766e-8f)));
-        angle = hn::Add(axis, hn::Add(axisRest, angle));
-        angle = hn::IfThenElse(hn::Lt(im, zero), hn::Neg(angle), angle);
-        const auto isNumber = hn::And(hn::Eq(re, re), hn::Eq(im, im));
         const auto nan = hn::Set(d, std::numeric_limits<float>::quiet_NaN());
-        store(hn::IfThenElse(isNumber, angle, nan), d, dst + x);
+        store(quotient, d, to.first + x);
+        store(hn::IfThenElse(hn::Eq(greater, greater), hn::CopySign(axis, sign), nan), d, to.second + x);
+    }
+};
+
+/** The arc tangent is an odd polynomial of degree 17 whose error on 0 to 1 is below 2e-8. */
+struct AngleOfDirection {
+    static constexpr size_t least = 1;
+    const float* src;
+    const Halfway& from;
+    float* dst;
+
+    template <class D, class Store> HWY_INLINE void operator()(D d, size_t x, Store store) const
+    {
+        const auto angle = arcTangent(d, loadAnywhere(d, from.first + x));
+        const auto axis = loadAnywhere(d, from.second + x);
+        // The rest makes of the float nearest to pi / 2 the one nearest to pi / 2 in twice as many bits.
+        const auto axisRest = hn::Mul(axis, hn::Set(d, -0x1.de12cap-26f));
+        store(hn::CopySign(hn::Add(axis, hn::Add(axisRest, angle)), axis), d, dst + x);
     }
 
     template <class D> static HWY_INLINE hn::Vec<D> arcTangent(D d, hn::Vec<D> q)
@@ -151,9 +214,29 @@ struct Phase {
     }
 };
 
-template <class Block> void polar(const Move& move) { coverRows<float, Block>(move); }
+template <class First, class Second> void polar(const Move& move)
+{
+    const hn::ScalableTag<float> d;
+    const bool streams = move.isBeyondCache();
+    Halfway halfway;
+    for (size_t y = 0; y < move.area.height; ++y) {
+        const auto* src = reinterpret_cast<const float*>(move.src.row(y));
+        auto* dst = reinterpret_cast<float*>(move.dst.row(y));
+        for (size_t left = move.area.width, n; left > 0; left -= n, src += 2 * n, dst += n) {
+            n = HWY_MIN(left, Halfway::most);
+            coverRow(d, n, First {src, halfway});
+            const Second second {src, halfway, dst};
+            if (streams)
+                streamRow(d, n, second);
+            else
+                coverRow(d, n, second);
+        }
+    }
+    if (streams)
+        hwy::FlushStream();
+}
 
-constexpr PolarKernels s_kernels {{polar<Magnitude>}, {polar<Phase>}};
+constexpr PolarKernels s_kernels {{polar<SumOfSquares, RootOfSum>}, {polar<Direction, AngleOfDirection>}};
 } // namespace
 
 const PolarKernels& polarKernels() { return s_kernels; }

@@ -4,7 +4,7 @@
 #include "../checks.h"
 #include "../rows.h"
 
-#include <customipp/customipp.h>
+#include <customipp/types.h>
 
 #include <cstddef>
 #include <cstdint>

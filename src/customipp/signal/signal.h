@@ -2,7 +2,7 @@
 
 #include "../checks.h"
 
-#include <customipp/customipp.h>
+#include <customipp/types.h>
 
 #include <algorithm>
 #include <cmath>

@@ -4,7 +4,7 @@
 #include "../movers/move.h"
 #include "../rows.h"
 
-#include <customipp/customipp.h>
+#include <customipp/types.h>
 
 #include <cmath>
 #include <cstdlib>

@@ -4,7 +4,7 @@
 #include "../rows.h"
 #include "../taggedState.h"
 
-#include <customipp/customipp.h>
+#include <customipp/types.h>
 
 #include <algorithm>
 #include <climits>

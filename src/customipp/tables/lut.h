@@ -5,7 +5,7 @@
 #include "../taggedState.h"
 #include "lutTable.h"
 
-#include <customipp/customipp.h>
+#include <customipp/types.h>
 
 #include <cstring>
 #include <tuple>

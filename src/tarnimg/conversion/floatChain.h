@@ -1,5 +1,7 @@
 #pragma once
 
+#include "conversion/reciprocal.h"
+
 #include <customipp/types.h>
 
 #include <cstddef>
@@ -11,26 +13,16 @@ namespace conversion {
 struct FloatChain {
     Ipp32f low;
     Ipp32f high;
-    Ipp32f subtrahend; ///< +0 changes no float
+    Ipp32f subtrahend; ///< the low end; +0 changes no float
     Ipp32f divisor; ///< nor does 1
     Ipp32f summand; ///< nor does -0
 
-    /**
-     * For targets of 8 bits that the output range does not leave: one multiplication and one addition, whose
-     * constant is so large that the float's low 12 bits are the fraction of the result plus a half, and 4 in
-     * the last place.
-     */
-    struct Guess {
-        bool usable = false;
-        Ipp32f factor = 0;
-        Ipp32f constant = 0;
-    } guess;
+    /** Every number gives an integer of the target type: nothing saturates. */
+    bool staysWithinType = false;
+    Reciprocal reciprocal = {}; ///< of the divisor, if all stays within the type
 
-    /** Finds the guess for an output range in double precision. */
-    void setGuess(double i_factor, double i_constant);
-
-    /** All numbers are so far from the ends of the float range that a quotient can be made of products. */
-    bool isModerate() const;
+    /** Finds the short ways to integers of a type. */
+    void findShortWays(double i_least, double i_greatest);
 };
 
 template <class T>

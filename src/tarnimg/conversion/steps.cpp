@@ -163,11 +163,9 @@ template <class T> void addFloatChain(Program& io_program, const Ranges& i_range
         .subtrahend = in.getLow() != 0.0 ? Ipp32f(in.getLow()) : 0.0f,
         .divisor = divisor != 0.0f ? divisor : 1.0f, // nothing is divided by 0: an output range far too wide
         .summand = out.getLow() != 0.0 ? Ipp32f(out.getLow()) : -0.0f,
-        .guess = {},
     };
-    if (out.getLow() >= std::numeric_limits<T>::lowest() && out.getHigh() <= std::numeric_limits<T>::max()
-        && divisor != 0.0f)
-        chain.setGuess(i_ranges.factor(), out.getLow() - in.getLow() * i_ranges.factor());
+    if constexpr (std::is_integral_v<T>)
+        chain.findShortWays(std::numeric_limits<T>::min(), std::numeric_limits<T>::max());
     io_program.move(int(sizeof(T)), [chain](const Tile& tile, SourceRows source, TargetRows target) {
         const auto convert = std::get<FloatChainRow<T>>(floatChainTable());
         for (int y = 0; y < tile.height; ++y) {

@@ -81,6 +81,53 @@ std::vector<Ipp32fc> manyNumbers()
     return numbers;
 }
 
+TEST_P(polarTest, RowsThatAreDoneInPartsGiveThePixelsOfEachAlone)
+{
+    PixelSource<float> random(12);
+    for (const int width : {511, 512, 513, 527, 1024, 1537})
+        for (const Layout& layout : everyLayout()) {
+            SCOPED_TRACE("width " + std::to_string(width) + ", padding " + std::to_string(layout.padding));
+            Plane<float> src(2 * width, 3, layout), phases(width, 3, layout), magnitudes(width, 3, layout);
+            Plane<float> expectedPhases(width, 3), expectedMagnitudes(width, 3);
+            src.fill(random);
+            for (int y = 0; y < 3; ++y)
+                for (int x = 0; x < width; ++x) {
+                    const float pixel[] = {src.get(2 * x, y), src.get(2 * x + 1, y)};
+                    expectedPhases.set(x, y, phaseOf(pixel[0], pixel[1]));
+                    expectedMagnitudes.set(x, y, magnitudeOf(pixel[0], pixel[1]));
+                }
+            const auto* from = reinterpret_cast<const Ipp32fc*>(src.data());
+            ippiPhase_32fc32f_C1R(from, src.step(), phases.data(), phases.step(), {width, 3});
+            ippiMagnitude_32fc32f_C1R(from, src.step(), magnitudes.data(), magnitudes.step(), {width, 3});
+            ASSERT_TRUE(samePixels(phases, expectedPhases) && samePixels(magnitudes, expectedMagnitudes));
+            ASSERT_TRUE(phases.frameIsIntact() && magnitudes.frameIsIntact());
+        }
+}
+
+TEST_P(polarTest, AnImageBeyondTheCacheIsWrittenWithoutItsPadding)
+{
+    // 2100 * 4100 floats are more than 32 MB.
+    const IppiSize size {2100, 4100};
+    const size_t dstLanes = 2101;
+    std::vector<Ipp32fc> row(size_t(size.width));
+    std::vector<float> expected(row.size()), dst(dstLanes * size_t(size.height), -7.0f);
+    for (size_t x = 0; x < row.size(); ++x) {
+        row[x] = {float(x) - 1000.5f, float(x % 77)};
+        expected[x] = magnitudeOf(row[x].re, row[x].im);
+    }
+    std::vector<Ipp32fc> src;
+    for (int y = 0; y < size.height; ++y)
+        src.insert(src.end(), row.begin(), row.end());
+    ASSERT_EQ(ippiMagnitude_32fc32f_C1R(src.data(), 8 * size.width, dst.data(), int(4 * dstLanes), size),
+        ippStsNoErr);
+    size_t wrong = 0;
+    for (size_t y = 0; y < size_t(size.height); ++y) {
+        wrong += std::memcmp(&dst[y * dstLanes], expected.data(), 4 * expected.size()) != 0;
+        wrong += dst[y * dstLanes + row.size()] != -7.0f;
+    }
+    EXPECT_EQ(wrong, 0u);
+}
+
 TEST_P(polarTest, ThePhaseIsNearTheExactArgument)
 {
     const std::vector<Ipp32fc> numbers = manyNumbers();

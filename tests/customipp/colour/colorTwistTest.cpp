@@ -100,4 +100,31 @@ TEST_P(colorTwistTest, EveryColourIsTwisted)
         0x3844dbfcu);
 }
 
+template <class Function> void expectChecks(const char* i_symbol, Function&& i_function)
+{
+    SCOPED_TRACE(i_symbol);
+    const Ipp8u src[16] = {};
+    Ipp8u dst[16];
+    std::fill_n(dst, 16, Ipp8u(7));
+    EXPECT_EQ(i_function(nullptr, 0, dst, 0, {0, 0}, s_sepia), ippStsNullPtrErr);
+    EXPECT_EQ(i_function(src, 0, nullptr, 0, {0, 0}, s_sepia), ippStsNullPtrErr);
+    EXPECT_EQ(i_function(src, 0, dst, 0, {0, 0}, nullptr), ippStsNullPtrErr);
+    for (const IppiSize size : {IppiSize {0, 1}, {1, 0}, {-1, 1}, {1, -1}})
+        EXPECT_EQ(i_function(src, 0, dst, 0, size, s_sepia), ippStsSizeErr);
+    for (const int step : {0, -8}) {
+        EXPECT_EQ(i_function(src, step, dst, 8, {2, 1}, s_sepia), ippStsStepErr);
+        EXPECT_EQ(i_function(src, 8, dst, step, {2, 1}, s_sepia), ippStsStepErr);
+    }
+    EXPECT_EQ(std::count(dst, dst + 16, 7), 16);
+    EXPECT_EQ(i_function(src, 1, dst, 1, {2, 2}, s_sepia), ippStsNoErr) << "rows may overlap";
+    EXPECT_EQ(dst[0], 0);
+}
+
+TEST(colorTwistCheckTest, PointersThenSizesThenSteps)
+{
+#undef CUSTOMIPP_TWIST
+#define CUSTOMIPP_TWIST(symbol, op, T, channels) expectChecks(#symbol, symbol);
+#include <customipp/colorTwist.def>
+}
+
 } // namespace

@@ -55,15 +55,28 @@ void expectBlocks(Function&& i_function, Next&& i_next, IppiSize i_size, IppiSiz
     ASSERT_TRUE(src.frameIsIntact() && least.frameIsIntact() && greatest.frameIsIntact());
 }
 
+/** Every width that is narrower than some vector of bytes, and some beyond. */
+std::vector<int> everyBlockWidth()
+{
+    std::vector<int> widths {200};
+    for (int width = 1; width <= 65; ++width)
+        widths.push_back(width);
+    return widths;
+}
+
 template <class T, class Function, class Next> void expectEveryBlock(Function&& i_function, Next&& i_next)
 {
     for (const int width : everyWidth())
-        for (const int blockWidth : {1, 2, 3, 4, 5, 7, 8, 15, 16, 17, 31, 33, 63, 64, 65, 200})
+        for (const int blockWidth : everyBlockWidth())
             for (const Layout& layout : everyLayout())
                 expectBlocks<T>(i_function, i_next, {width, 5}, {blockWidth, 1 + blockWidth % 6}, layout);
     // Wider than what is done at once, and blocks that do not divide it.
     for (const int blockWidth : {1, 3, 7, 15})
         expectBlocks<T>(i_function, i_next, {9000, 3}, {blockWidth, 2}, {});
+    // Higher than what is done at once.
+    for (const int blockHeight : {7, 8, 9, 16, 17, 40})
+        for (const int blockWidth : {1, 3, 64})
+            expectBlocks<T>(i_function, i_next, {70, 35}, {blockWidth, blockHeight}, {});
 }
 
 TEST_P(blockMinMaxTest, EachBlockGivesItsExtremes)
@@ -116,7 +129,7 @@ TEST_P(blockMinMaxTest, NothingBeyondTheImageIsRead)
 {
     for (const FencedMemory::Side side : local::s_sides)
         for (int width = 1; width <= 140; ++width)
-            for (const int block : {1, 3, 16, 64, 100}) {
+            for (const int block : {1, 3, 5, 16, 64, 100}) {
                 FencedMemory src(size_t(width) * 2, side), least(size_t((width - 1) / block + 1), side);
                 for (size_t i = 0; i < size_t(width) * 2; ++i)
                     src.set<Ipp8u>(i, Ipp8u(i * 7));

@@ -251,6 +251,7 @@ void expectChecks(const char* i_symbol, bool i_masked, bool i_hasChannel, Functi
     if (i_masked) {
         EXPECT_EQ(i_function(pixels, 0, nullptr, 0, {0, 0}, 9, &mean, &stdDev), ippStsNullPtrErr);
         EXPECT_EQ(i_function(pixels, row, mask, 1, {2, 1}, 9, &mean, &stdDev), ippStsStepErr);
+        EXPECT_EQ(i_function(pixels, row + 1, mask, 1, {2, 1}, 9, &mean, &stdDev), ippStsStepErr);
     }
     if (sizeof(T) > 1) {
         EXPECT_EQ(i_function(pixels, row + 1, mask, 2, {2, 1}, 9, &mean, &stdDev), ippStsNotEvenStepErr);

@@ -306,6 +306,12 @@ void expectChecksOfTwo(const char* i_symbol, Function&& i_function)
     EXPECT_EQ(i_function(pixels, 0, nullptr, 0, {0, 0}, values), ippStsNullPtrErr);
     EXPECT_EQ(i_function(pixels, row, seconds, 0, {2, 1}, values), ippStsStepErr);
     EXPECT_EQ(i_function(pixels, row, seconds, 1, {2, 1}, values), ippStsStepErr);
+    if (sizeof(T) > 1) { // that a step is too small comes before that one is uneven
+        EXPECT_EQ(i_function(pixels, row + 1, seconds, 1, {2, 1}, values), ippStsStepErr);
+    }
+    if (sizeof(M) > 1) {
+        EXPECT_EQ(i_function(pixels, row, seconds, second + 1, {2, 1}, values), ippStsNotEvenStepErr);
+    }
     EXPECT_EQ(values[0], 7);
 }
 

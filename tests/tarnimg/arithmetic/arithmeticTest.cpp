@@ -260,6 +260,30 @@ TEST(twoImagesTest, TheSmallerAndTheGreaterPixelCarryTheAttributesOfTheSecondIma
     EXPECT_FALSE(sum.getImgAttributes().contains(QStringLiteral("exposure")));
 }
 
+TEST(twoImagesTest, AFailureOfThePixelFunctionGivesACopyOfTheSecondImageWhereTheStatusDoesNotCount)
+{
+    // Rows as far apart as the pixel layer cannot go; only the first one is there.
+    unsigned char first[] = {1, 200};
+    unsigned char second[] = {100, 100};
+    constexpr unsigned tooFar = 0x80000000u;
+    const cImg a(cImgType::UInt8, 2, 1, 1, tooFar, first, nullptr);
+    cImg b(cImgType::UInt8, 2, 1, 1, tooFar, second, nullptr);
+    b.setName(QStringLiteral("second"));
+    const auto expectCopy = [&](const cImg& i_result) {
+        EXPECT_EQ(i_result.getName(), QStringLiteral("second"));
+        EXPECT_NE(i_result.getConstData(), second);
+        EXPECT_EQ(i_result.getPixel<unsigned char>(0, 0), 100);
+        EXPECT_EQ(i_result.getPixel<unsigned char>(1, 0), 100);
+    };
+    expectCopy(cMinEveryFunctor()(a, b));
+    expectCopy(cMaxEveryFunctor()(a, b));
+    const std::string status = ippGetStatusString(ippStsStepErr);
+    EXPECT_EQ(messageOf([&] { cAddImagesFunctor()(a, std::as_const(b)); }),
+        "cAddImagesFunctor::operator (): " + status);
+    EXPECT_EQ(messageOf([&] { cImageDifferencesFunctor()(a, b); }),
+        "cImageDifferencesFunctor::operator (): " + status);
+}
+
 TEST(cImageDifferencesFunctorTest, ColourWithAlphaAndSignedImagesAreRefused)
 {
     const cImg rgb32(cImgType::RGB32, 2, 2, 4);
@@ -386,4 +410,28 @@ TEST(cAddProductImageFunctorTest, AnotherSizeStartsANewSum)
     EXPECT_EQ(second.getHeight(), 5u);
     addProduct.reset();
     EXPECT_EQ(addProduct(bytes(4, 5, 3), bytes(4, 5, 4)).getPixel<float>(0, 0), 12.0f);
+}
+
+TEST(cAddProductImageFunctorTest, ANewSumBeginsWithWhatItsMemoryHeld)
+{
+    cImg::releaseUnusedMemory();
+    constantImage<float>(cImgType::Float32, 6, 7, 100.0f); // the memory of which the sum gets
+    cAddProductImageFunctor addProduct;
+    EXPECT_EQ(addProduct(bytes(6, 7, 2), bytes(6, 7, 3)).getPixel<float>(5, 6), 106.0f);
+
+    constantImage<float>(cImgType::Float32, 8, 7, 100.0f);
+    cAddSquareImageFunctor addSquare;
+    EXPECT_EQ(addSquare(bytes(8, 7, 2)).getPixel<float>(7, 6), 4.0f) << "that of squares is cleared";
+}
+
+TEST(cAddProductImageFunctorTest, AFailedInputKeepsTheSumAndEarlierResultsStay)
+{
+    cAddProductImageFunctor addProduct;
+    addProduct(bytes(4, 4, 1), bytes(4, 4, 1));
+    addProduct.reset();
+    const cImg first = addProduct(bytes(4, 4, 2), bytes(4, 4, 3));
+    EXPECT_EQ(messageOf([&] { addProduct(bytes(4, 4, 1), bytes(4, 5, 1)); }),
+        "cAddProductImageFunctor::operator (): Image sizes must be equal.");
+    EXPECT_EQ(addProduct(bytes(4, 4, 2), bytes(4, 4, 2)).getPixel<float>(3, 3), 10.0f);
+    EXPECT_EQ(first.getPixel<float>(3, 3), 6.0f);
 }

@@ -1,4 +1,5 @@
 #include "support/FencedMemory.h"
+#include "support/StationHarness.h"
 #include "support/images.h"
 #include "support/messageOf.h"
 #include "support/skipUnderTsan.h"
@@ -91,13 +92,16 @@ TEST(cConvertRGBToCMYKFunctorTest, WhiteHasNoInkAndBlackHasNothingButBlack)
 TEST(cConvertRGBToCMYKFunctorTest, RowsOfAViewAreTakenAsIfTheyTouchedEachOtherFromEachBandOn)
 {
     SKIP_WITHOUT_SIGHT_OF_QTS_THREADS();
-    const cImg parent = makeRandomImage(cImgType::RGB24, 12, 8);
-    const cImg view(parent, false, cRect<int>(2, 1, 5, 6));
-    EXPECT_TRUE(samePixels(convert(view), inksFrom(view.getConstData(), 3, 5, 6)));
-    const cImg inTwo = convert(view, 2);
-    for (unsigned band = 0; band < 2; ++band)
-        EXPECT_TRUE(samePixels(cImg(inTwo, false, cRect<int>(0, int(3 * band), 5, 3)),
-            inksFrom(view.getRow<quint8>(3 * band), 3, 5, 3)));
+    for (const auto type : {cImgType::RGB24, cImgType::RGB32}) {
+        const cImg parent = makeRandomImage(type, 12, 8);
+        const cImg view(parent, false, cRect<int>(2, 1, 5, 6));
+        const unsigned size = view.getXPitch();
+        EXPECT_TRUE(samePixels(convert(view), inksFrom(view.getConstData(), size, 5, 6)));
+        const cImg inTwo = convert(view, 2);
+        for (unsigned band = 0; band < 2; ++band)
+            EXPECT_TRUE(samePixels(cImg(inTwo, false, cRect<int>(0, int(3 * band), 5, 3)),
+                inksFrom(view.getRow<quint8>(3 * band), size, 5, 3)));
+    }
 }
 
 TEST(cConvertRGBToCMYKFunctorTest, NothingBeyondTheImageIsRead)
@@ -111,6 +115,22 @@ TEST(cConvertRGBToCMYKFunctorTest, NothingBeyondTheImageIsRead)
                 const cImg image(type, width, 1, size, width * size, memory.data(), {});
                 EXPECT_TRUE(samePixels(convert(image), inksOf(image)));
             }
+}
+
+TEST(cConvertRGBToCMYKFunctorTest, TheStationsResultHasTheRangeOfInksAndTheAttributesOfTheImage)
+{
+    cImg image = makeRandomImage(cImgType::RGB24, 6, 5);
+    image.setName(QStringLiteral("part"));
+    StationHarness harness(cStation::create(QStringLiteral("ipp/image/colorConversion/RGBToCMYK")));
+    harness.feed("img", image, 4);
+    harness.runAll();
+    ASSERT_EQ(harness.values<cImg>("img").size(), 1);
+    const cImg result = harness.values<cImg>("img").at(0);
+    EXPECT_TRUE(samePixels(result, inksOf(image)));
+    EXPECT_EQ(result.getRange().getLow(), 0.0);
+    EXPECT_EQ(result.getRange().getHigh(), 1.0);
+    EXPECT_EQ(result.getName(), QStringLiteral("part"));
+    EXPECT_EQ(harness.stamps("img"), QList<qint64> {4});
 }
 
 TEST(cConvertRGBToCMYKFunctorTest, OtherImagesAreRefused)

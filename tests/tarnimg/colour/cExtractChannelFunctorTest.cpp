@@ -102,6 +102,12 @@ TEST(cExtractChannelFunctorTest, BeyondTheLastChannelLaterPixelsFollowAndThenZer
     EXPECT_TRUE(
         samePixels(channelOf(image, 0xFFFFFFFFu), makeImage<quint8>(cImgType::UInt8, {{0, 0}, {0, 0}})));
 
+    const cImg single = makeImage<quint16>(cImgType::UInt16, {{1, 2, 3}, {4, 5, 6}});
+    EXPECT_TRUE(
+        samePixels(channelOf(single, 1), makeImage<quint16>(cImgType::UInt16, {{2, 3, 4}, {5, 6, 0}})));
+    const cImg four = makeImage<float>(cImgType::Float32, {{1, 2, 3, 4}, {5, 6, 7, 8}}, 4);
+    EXPECT_TRUE(samePixels(channelOf(four, 5), makeImage<float>(cImgType::Float32, {{6}, {0}})));
+
     const cImg doubles = makeImage<double>(cImgType::Float64, {{1, 2}, {3, 4}}, 2);
     EXPECT_TRUE(samePixels(channelOf(doubles, 2), makeImage<double>(cImgType::Float64, {{3}, {0}})));
     EXPECT_TRUE(

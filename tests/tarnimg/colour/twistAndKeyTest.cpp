@@ -140,6 +140,22 @@ TEST(cColorKeyFunctorTest, TheDefaultKeysAreBlackWhichOnRGB32MeansOpaqueBlack)
     EXPECT_TRUE(samePixels(cColorKeyFunctor()(grey, other), makeImage<quint8>(cImgType::UInt8, {{7, 1}})));
 }
 
+TEST(cColorKeyFunctorTest, TheStationsSecondInputShowsThrough)
+{
+    StationHarness harness(cStation::create(QStringLiteral("ipp/image/colorConversion/colorKey")));
+    ASSERT_TRUE(harness.station()
+                    .getParams()
+                    .getSubObject(QStringLiteral("colorKeyGray"))
+                    ->setFromText(QStringLiteral("2")));
+    harness.feed("img2", makeImage<quint8>(cImgType::UInt8, {{7, 8, 9}}), 3);
+    harness.feed("img1", makeImage<quint8>(cImgType::UInt8, {{1, 2, 3}}), 3);
+    harness.runAll();
+    ASSERT_EQ(harness.values<cImg>("img").size(), 1);
+    EXPECT_TRUE(
+        samePixels(harness.values<cImg>("img").at(0), makeImage<quint8>(cImgType::UInt8, {{1, 8, 3}})));
+    EXPECT_EQ(harness.stamps("img"), QList<qint64> {3});
+}
+
 TEST(cColorKeyFunctorTest, TheChecksComeInTheirOrder)
 {
     const std::string op = "cColorKeyFunctor::operator (): ";

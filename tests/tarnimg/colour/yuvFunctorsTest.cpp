@@ -242,4 +242,41 @@ TEST(yuvStationsTest, NothingIsComputedWhileNobodyWantsTheOutput)
     one.runAll();
     ASSERT_EQ(one.errors().size(), 1);
     EXPECT_EQ(one.values<cImg>("Y").size(), 1) << "the station goes on";
+
+    StationHarness together(cStation::create(QStringLiteral("ipp/image/colorConversion/YUV422PlanarToPixel")),
+        {QStringLiteral("YUV422")});
+    for (const char* plane : {"Y", "U", "V"}) // all of one width, which would fail
+        together.feed(plane, uint8(4, 4), 1);
+    together.runAll();
+    EXPECT_TRUE(together.errors().isEmpty());
+    EXPECT_EQ(together.fates("Y").gated, 1u);
+}
+
+TEST(yuvStationsTest, InvalidImagesAreReportedWhereOneImageDoesNotBecomeOne)
+{
+    StationHarness apart(cStation::create(QStringLiteral("ipp/image/colorConversion/YUV422PixelToPlanar")));
+    apart.feed("img", cImg(), 1);
+    apart.runAll();
+    ASSERT_EQ(apart.errors().size(), 1);
+    EXPECT_EQ(apart.errors().at(0).getMessage(),
+        QStringLiteral("cYUV422PixelToPlanarFunctor::operator (): Invalid image."));
+    EXPECT_TRUE(apart.outputs().isEmpty());
+
+    StationHarness together(
+        cStation::create(QStringLiteral("ipp/image/colorConversion/YUV422PlanarToPixel")));
+    together.feed("Y", uint8(4, 4), 1);
+    together.feed("U", uint8(2, 4), 1);
+    together.feed("V", cImg(), 1);
+    together.runAll();
+    ASSERT_EQ(together.errors().size(), 1);
+    EXPECT_EQ(together.errors().at(0).getMessage(),
+        QStringLiteral("cYUV422PlanarToPixelFunctor::operator (): Invalid image."));
+
+    StationHarness rgb(cStation::create(QStringLiteral("ipp/image/colorConversion/YUV422ToRGB")));
+    rgb.feed("img", cImg(), 1);
+    rgb.feed("img", uint8(4, 1), 2); // not one row of a frame
+    rgb.feed("img", uint8(4, 2), 3);
+    rgb.runAll();
+    EXPECT_TRUE(rgb.errors().isEmpty());
+    EXPECT_EQ(rgb.stamps("img"), QList<qint64> {3});
 }

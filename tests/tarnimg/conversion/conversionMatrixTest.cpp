@@ -1,104 +1,16 @@
 // The pixels of every pair of types, against a slow conversion that is written down apart.
-#include "reference.h"
-#include "testImages.h"
+#include "conversionTesting.h"
 
-#include "support/TraceLines.h"
-
-#include <hwy/highway.h>
-#include <hwy/targets.h>
-
-#include <gtest/gtest.h>
-#include <string>
-
+using namespace conversionTesting;
 using namespace testImages;
-using reference::Outcome;
 using reference::Range;
 
 namespace {
-
-/** Runs a test once on each instruction set of this processor that the library may choose. */
-class onEveryTarget : public testing::TestWithParam<int64_t> {
-protected:
-    void SetUp() override { choose(GetParam()); }
-    void TearDown() override { choose(0); }
-
-private:
-    static void choose(int64_t i_target)
-    {
-        hwy::SetSupportedTargetsForTest(i_target);
-        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
-    }
-};
-
-std::string targetName(const testing::TestParamInfo<int64_t>& i_info)
-{
-    return hwy::TargetName(i_info.param);
-}
 
 class conversionMatrixTest : public onEveryTarget {};
 
 INSTANTIATE_TEST_SUITE_P(
     , conversionMatrixTest, testing::ValuesIn(hwy::SupportedAndGeneratedTargets()), targetName);
-
-bool sameElement(reference::Type i_type, const uint8_t* i_a, const uint8_t* i_b, int i_bytes)
-{
-    if (std::memcmp(i_a, i_b, size_t(i_bytes)) == 0)
-        return true;
-    if (i_type == reference::Float32) { // any NaN is as good as another
-        float a, b;
-        std::memcpy(&a, i_a, 4);
-        std::memcpy(&b, i_b, 4);
-        return a != a && b != b;
-    }
-    if (i_type == reference::Float64) {
-        double a, b;
-        std::memcpy(&a, i_a, 8);
-        std::memcpy(&b, i_b, 8);
-        return a != a && b != b;
-    }
-    return false;
-}
-
-std::string bytesAsText(const uint8_t* i_pixel, int i_bytes)
-{
-    std::string text;
-    for (int i = i_bytes - 1; i >= 0; --i) {
-        char byte[3];
-        std::snprintf(byte, sizeof byte, "%02x", i_pixel[i]);
-        text += byte;
-    }
-    return text;
-}
-
-/** Reports place and bytes of the first five differences. */
-testing::AssertionResult samePixels(
-    const reference::Image& i_actual, const reference::Image& i_expected, const reference::Image& i_source)
-{
-    const int bytes = reference::pixelBytes(i_expected.type),
-              sourceBytes = reference::pixelBytes(i_source.type);
-    std::string text;
-    int count = 0;
-    for (size_t i = 0; i < i_expected.bytes.size() / bytes; ++i) {
-        const uint8_t* is = i_actual.bytes.data() + i * bytes;
-        const uint8_t* shouldBe = i_expected.bytes.data() + i * bytes;
-        if (!sameElement(i_expected.type, is, shouldBe, bytes) && ++count <= 5) {
-            text += "\n  pixel " + std::to_string(i % i_expected.width) + ", "
-                + std::to_string(i / i_expected.width) + " is 0x" + bytesAsText(is, bytes) + ", should be 0x"
-                + bytesAsText(shouldBe, bytes) + ", source 0x"
-                + bytesAsText(i_source.bytes.data() + i * sourceBytes, sourceBytes);
-        }
-    }
-    if (count == 0)
-        return testing::AssertionSuccess();
-    return testing::AssertionFailure() << count << " pixels differ" << text;
-}
-
-std::string describe(reference::Type i_from, reference::Type i_to, Range i_input, Range i_output)
-{
-    return std::string(reference::nameOf(i_from)) + " (" + std::to_string(i_input.low) + " to "
-        + std::to_string(i_input.high) + ") -> " + reference::nameOf(i_to) + " ("
-        + std::to_string(i_output.low) + " to " + std::to_string(i_output.high) + ")";
-}
 
 /** The input ranges of a type: whole, inside, with fractions, narrow, reaching outside, out of order once
  * cut. */
@@ -151,48 +63,6 @@ std::vector<Range> outputRanges(reference::Type i_type)
         break;
     }
     return ranges;
-}
-
-/** The range that a new image of this type has. */
-bool isStartRange(reference::Type i_type, Range i_range)
-{
-    const cImg image(libraryType(i_type), 1, 1);
-    const cDblRange& range = image.getRange();
-    return range.getLow() == i_range.low && range.getHigh() == i_range.high;
-}
-
-/** Converts into a result that holds known pixels, and compares pixels, report and the memory round the
- * result. */
-void expectConversion(const reference::Image& i_source, reference::Type i_to, Range i_input, Range i_output,
-    Layout i_sourceLayout = Layout::Compact, Layout i_resultLayout = Layout::Compact)
-{
-    SCOPED_TRACE(describe(i_source.type, i_to, i_input, i_output) + ", " + std::to_string(i_source.width)
-        + " x " + std::to_string(i_source.height) + ", layouts " + std::to_string(int(i_sourceLayout)) + " "
-        + std::to_string(int(i_resultLayout)));
-    const cImg source = toImage(i_source, i_sourceLayout);
-    const reference::Image before = randomImage(i_to, i_source.width, i_source.height, 99);
-    cImg result = toImage(before, i_resultLayout);
-    reference::Image expected = before;
-    Outcome outcome = Outcome::Written;
-    if (i_source.type == i_to && isStartRange(i_to, i_input) && isStartRange(i_to, i_output))
-        expected = i_source; // copied as it is
-    else
-        outcome = reference::convert(i_source, expected, i_input, i_output);
-
-    TraceLines trace;
-    const cMapObj params = rangeParams(i_input, i_output);
-    EXPECT_TRUE(source.convertTo(libraryType(i_to), result, &params));
-    const QStringList lines = trace.take();
-    if (outcome == Outcome::Nothing) {
-        EXPECT_FALSE(lines.isEmpty());
-        for (const QString& line : lines)
-            EXPECT_EQ(line.toStdString(), "Invalid range detected.");
-    } else {
-        EXPECT_TRUE(lines.isEmpty()) << lines.join(u'|').toStdString();
-    }
-    ASSERT_TRUE(result.isKindOf(libraryType(i_to)));
-    EXPECT_TRUE(samePixels(fromImage(result), expected, i_source));
-    EXPECT_EQ(fromImage(source).bytes, i_source.bytes) << "the source was changed";
 }
 
 } // namespace
@@ -299,54 +169,4 @@ TEST_P(conversionMatrixTest, EveryGreyLevelOfSixteenBitsIsStretchedAsInTheRefere
                 for (const Range& output :
                     {Range {0, 255}, Range {0, 65535}, Range {-10, 10}, Range {1, 1.5}})
                     expectConversion(levels, to, input, output);
-}
-
-namespace {
-
-/** Values that are mapped next to a half, from a few steps of T below it to a few above. */
-template <class T> reference::Image imageNextToHalves(reference::Type i_type, Range i_input, Range i_output)
-{
-    constexpr int halves = 64, steps = 7;
-    reference::Image image(i_type, steps, halves);
-    const double factor = (i_output.high - i_output.low) / (i_input.high - i_input.low);
-    for (int k = 0; k < halves; ++k) {
-        const double whole = std::floor(i_output.low + (i_output.high - i_output.low) * k / halves);
-        auto value = T(i_input.low + (whole + 0.5 - i_output.low) / factor);
-        for (int i = 0; i < steps / 2; ++i)
-            value = std::nextafter(value, std::numeric_limits<T>::lowest());
-        for (int i = 0; i < steps; ++i) {
-            std::memcpy(image.bytes.data() + size_t(k * steps + i) * sizeof(T), &value, sizeof(T));
-            value = std::nextafter(value, std::numeric_limits<T>::max());
-        }
-    }
-    return image;
-}
-
-} // namespace
-
-TEST_P(conversionMatrixTest, ValuesNextToAHalfAreRoundedAsInTheReference)
-{
-    for (const Range& input :
-        {Range {-1, 1}, Range {-300, 300}, Range {0, 1000}, Range {-1e6, 3e6}, Range {10.25, 11.5}})
-        for (const Range& output : {Range {0, 255}, Range {-128, 127}, Range {-300, 300},
-                 Range {-5.5, 100.25}, Range {0, 65535}, Range {-2147483648.0, 2147483647.0}})
-            for (const reference::Type to : reference::everyType)
-                if (reference::isSupported(reference::Float64, to)) {
-                    expectConversion(
-                        imageNextToHalves<double>(reference::Float64, input, output), to, input, output);
-                    expectConversion(
-                        imageNextToHalves<float>(reference::Float32, input, output), to, input, output);
-                }
-}
-
-TEST_P(conversionMatrixTest, MappingsOntoHalvesAreRoundedAsInTheReference)
-{
-    // Every second pixel lies on a half, or each one does.
-    for (const reference::Type from :
-        {reference::UInt8, reference::SInt8, reference::UInt16, reference::SInt16, reference::SInt32})
-        for (const reference::Type to : reference::everyType)
-            if (reference::isSupported(from, to))
-                for (const Range& output :
-                    {Range {0, 50}, Range {-25, 25}, Range {0.5, 100.5}, Range {-0.5, 99.5}})
-                    expectConversion(randomImage(from, 300, 3), to, {0, 100}, output);
 }

@@ -128,6 +128,18 @@ TEST_F(cImgBufPool, AboutAGigabyteIsKept)
     }
     EXPECT_EQ(marked, 2);
 }
+
+TEST_F(cImgBufPool, WhatIsTakenAgainMakesRoom)
+{
+    // Ten times 4e8 bytes one after the other, of which no more than one is parked at a time.
+    for (int i = 0; i < 10; ++i) {
+        cImg image(cImgType::UInt8, 20000, 20000);
+        if (i > 0) {
+            EXPECT_EQ(image.getPixel<quint8>(10000, 10000), i);
+        }
+        image.setPixel<quint8>(10000, 10000, quint8(i + 1));
+    }
+}
 #endif
 
 TEST_F(cImgBufPool, HandlesAndPoolAreSafeForManyThreads)

@@ -206,6 +206,18 @@ TEST_F(cImgIOFiles, OfOtherTypesAreNarrowedToAByte)
     EXPECT_EQ(back.getPixel<quint8>(3, 0), 255);
 }
 
+TEST_F(cImgIOFiles, TellOfNarrowingOnTheStandardTraceAndOfFailuresOnThatOfErrors)
+{
+    add("*.png", s_both);
+    QStringList channels;
+    const int listener = cTracerManager::instance().addListener(
+        [&channels](const cTracerManager::Info& info) { channels.append(info.channel); });
+    EXPECT_TRUE(makeRandomImage(cImgType::Float32, 2, 2).writeImg(path("a.png")));
+    EXPECT_FALSE(cImg::openImg(path("none.png")).isValid());
+    cTracerManager::instance().removeListener(listener);
+    EXPECT_EQ(channels, QStringList({QStringLiteral("cout"), QStringLiteral("cerr")}));
+}
+
 TEST_F(cImgIOFiles, OfInvalidImagesAreReportedAndNotWritten)
 {
     add("*.png", s_both);

@@ -11,11 +11,14 @@
 #include <memory>
 #include <new>
 #include <stdexcept>
+#include <sys/mman.h>
+#include <sys/resource.h>
 #include <tarnbase/c2DPoint.h>
 #include <tarnbase/cDataValObj.h>
 #include <tarnbase/cTransform.h>
 #include <tarnimg/cImg.h>
 #include <type_traits>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -246,6 +249,34 @@ TEST(cImg, SizesBeyond32BitsAreRefusedLikeWantOfMemory)
     EXPECT_EQ(trace.take(), QStringList({s_refusal, s_refusal, s_refusal}));
 }
 
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+TEST(cImg, WantOfMemoryForACopyIsReportedAndLeavesTheImageAlone)
+{
+    // A source that takes no memory, of which no copy fits into the address space that is left.
+    constexpr std::size_t bytes = std::size_t(3) << 30;
+    void* reserved = mmap(nullptr, bytes, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    ASSERT_NE(reserved, MAP_FAILED);
+    cImg::releaseUnusedMemory();
+    {
+        cImg image(cImgType::UInt8, 65536, 49152, 1, 0, static_cast<unsigned char*>(reserved), nullptr);
+        const cImg second = image;
+        rlimit before {};
+        ASSERT_EQ(getrlimit(RLIMIT_AS, &before), 0);
+        const rlimit tight {rlim_t(takenPages() * sysconf(_SC_PAGESIZE)) + (1 << 30), before.rlim_max};
+        ASSERT_EQ(setrlimit(RLIMIT_AS, &tight), 0);
+        TraceLines trace;
+        EXPECT_TRUE(isRefused([&] { image.clone(); }));
+        EXPECT_TRUE(isRefused([&] { image.detach(); }));
+        EXPECT_TRUE(isRefused([&] { image.setName(QStringLiteral("new")); }));
+        EXPECT_EQ(setrlimit(RLIMIT_AS, &before), 0);
+        EXPECT_EQ(trace.take(), QStringList({s_refusal, s_refusal, s_refusal}));
+        EXPECT_EQ(image.getConstData(), second.getConstData());
+        EXPECT_EQ(image.getName(), QString());
+    }
+    munmap(reserved, bytes);
+}
+#endif
+
 TEST(cImg, MemoryFromOutsideIsUsedInPlace)
 {
     std::vector<unsigned char> memory(3 * 8);
@@ -404,6 +435,13 @@ TEST(cImg, AnEmptyRectangleMeansTheWholeImage)
     EXPECT_TRUE(view.isCompact());
     EXPECT_EQ(view.getConstData(), parent.getConstData());
     EXPECT_TRUE(samePixels(cImg(parent, true, Rect(3, 3, 0, 2)), parent));
+
+    cImg sameRecord = copy;
+    sameRecord.setPixel<quint8>(0, 0, 77); // shares the record, so it is copied first
+    EXPECT_EQ(parent.getPixel<quint8>(0, 0), 0);
+    cImg ownRecord(parent, false, Rect(3, 3, 0, 2));
+    ownRecord.setPixel<quint8>(0, 0, 77);
+    EXPECT_EQ(parent.getPixel<quint8>(0, 0), 77);
 }
 
 TEST(cImg, ADeepCopyIsCompactMemoryOfTheViewsSize)
@@ -422,6 +460,7 @@ TEST(cImg, ADeepCopyIsCompactMemoryOfTheViewsSize)
     EXPECT_TRUE(samePixels(clone, expected));
     EXPECT_EQ(clone.getYPitch(), 3u);
     EXPECT_FALSE(clone.isCompact()); // the mark of the view is inherited
+    EXPECT_FALSE(cImg(view, true, Rect(0, 0, 2, 2)).isCompact()); // also by a part of it
 
     cImg detached = view;
     cImg second = detached;
@@ -506,6 +545,19 @@ TEST(cImg, SettersLeaveTheOtherHandlesAlone)
     EXPECT_TRUE(samePixels(image, before));
 }
 
+TEST(cImg, AnAttributeThatMayBeWrittenIsTheHandlesOwn)
+{
+    cImg image = counted(2, 2);
+    image.setImgAttr(QStringLiteral("key"), new cDataValObj<int>(5));
+    const cImg before = image;
+    image.getImgAttr(QStringLiteral("key"))->setValue(6);
+    int value = 0;
+    EXPECT_TRUE(before.getImgAttr(QStringLiteral("key"))->getValue(value));
+    EXPECT_EQ(value, 5);
+    EXPECT_TRUE(std::as_const(image).getImgAttr(QStringLiteral("key"))->getValue(value));
+    EXPECT_EQ(value, 6);
+}
+
 TEST(cImg, AMissingAttributeIsTheVoidObject)
 {
     cImg image = counted(1, 1);
@@ -558,10 +610,13 @@ TEST(cImg, ResizeGivesNewPixelsAndLeavesViewsTheOldOnes)
     EXPECT_NE(image.getConstData(), view.getConstData() - 10);
     EXPECT_EQ(view.getPixel<quint8>(0, 0), 10);
 
-    cImg part(view);
-    part.resize(2, 2);
-    EXPECT_TRUE(part.isCompact());
-    EXPECT_EQ(part.getBufferOffset(), 0u);
+    cImg shared(view);
+    cImg alone(image, false, Rect(3, 1, 2, 1));
+    for (cImg* part : {&shared, &alone}) {
+        part->resize(5, 5);
+        EXPECT_TRUE(part->isCompact());
+        EXPECT_EQ(part->getBufferOffset(), 0u);
+    }
 }
 
 TEST(cImg, ResizeLetsGoOfMemoryFromOutside)
@@ -637,6 +692,10 @@ TEST(cImg, StructuresAreComparedWithoutTheTypes)
     EXPECT_FALSE(grey.isStructOf(cImg(cImgType::UInt16, 4, 3)));
     EXPECT_FALSE(grey.isStructOf(cImg(cImgType::UInt8, 3, 4)));
     EXPECT_FALSE(grey.isStructOf(cImg(cImg(cImgType::UInt8, 8, 3), false, Rect(0, 0, 4, 3)))); // the pitch
+    unsigned char memory[3 * 8] = {};
+    const cImg packed(cImgType::UInt8, 4, 3, 1, 8, memory, nullptr);
+    EXPECT_FALSE(packed.isStructOf(cImg(cImgType::UInt8, 4, 3, 2, 8, memory, nullptr)));
+    EXPECT_TRUE(packed.isStructOf(cImg(cImgType::SInt8, 4, 3, 1, 8, memory, nullptr)));
 }
 
 TEST(cImg, ImagesAreEqualIfTypeStructureAndBytesAre)

@@ -213,6 +213,24 @@ TEST(cImgType, AStyleOutsideTheListIsIgnored)
     EXPECT_EQ(colour->getStyle(), QStringLiteral("Hue"));
 }
 
+TEST(cImgType, TheNumberOfTheStyleIsThatOfAChannel)
+{
+    /** Shows what types see of their base. */
+    class OpenColour : public cImgTypeRGB24 {
+    public:
+        using cImgType::getStyleID;
+    };
+    const Descriptor type(cImageTypeFactory::make<OpenColour>(1));
+    const auto numberOf = [&](const char* i_style) {
+        type->setStyle(QString::fromLatin1(i_style));
+        return static_cast<const OpenColour&>(*type).getStyleID();
+    };
+    EXPECT_EQ(numberOf("Default"), 0u);
+    EXPECT_EQ(numberOf("Green"), 2u);
+    EXPECT_EQ(numberOf("Blue"), 2u); // the fourth style of three channels
+    EXPECT_EQ(numberOf("Saturation"), 2u);
+}
+
 TEST(cImgType, ARangeIsLimitedInTwoStepsThatSwapItsEnds)
 {
     const auto grey = make(cImgType::UInt8);
@@ -374,6 +392,13 @@ TEST(cImgTypeText, ShowsTheChannelOfTheStyle)
     type->setStyle(QStringLiteral("Channel 2"));
     EXPECT_EQ(textOf<quint8>(*type, {255, 2, 16}), QStringLiteral("16"));
     EXPECT_EQ(textOf<quint8>(*type, {255, 2, 16}, true), QStringLiteral("10"));
+    const auto floats = make(cImgType::Float32, 2), doubles = make(cImgType::Float64, 2),
+               words = make(cImgType::SInt64, 2);
+    for (cImgType* each : {floats.get(), doubles.get(), words.get()})
+        each->setStyle(QStringLiteral("Channel 1"));
+    EXPECT_EQ(textOf<float>(*floats, {1, 2}), QStringLiteral("2.00000"));
+    EXPECT_EQ(textOf<double>(*doubles, {1, 2}), QStringLiteral("2.00000"));
+    EXPECT_EQ(textOf<qint64>(*words, {1, 2}), QStringLiteral("2"));
 }
 
 TEST(cImgTypeText, ShowsIntegersInTheBase)

@@ -318,3 +318,15 @@ TEST(imgStreams, TellPeopleNameSizeAndType)
     stream << image << "; " << cImg();
     EXPECT_EQ(text, QStringLiteral("frame: 4x3 (Float32); Invalid image!"));
 }
+
+TEST(imgStreams, ForPeopleComeWithoutWaitingForMore)
+{
+    QByteArray bytes;
+    QTextStream stream(&bytes); // holds its text back until it is flushed
+    cImg image(cImgType::RGB24, 2, 1);
+    image.setName(QStringLiteral("f"));
+    stream << image;
+    EXPECT_EQ(bytes, QByteArray("f: 2x1 (RGB24)"));
+    stream << cImg();
+    EXPECT_EQ(bytes, QByteArray("f: 2x1 (RGB24)Invalid image!"));
+}

@@ -2,6 +2,8 @@
 #include "displayTesting.h"
 #include "reference.h"
 
+#include "support/messageOf.h"
+
 #include <atomic>
 #include <memory>
 #include <tarnimg/cImageTypeFactory.h>
@@ -75,6 +77,36 @@ TEST(automaticRange, IsFoundBeforeAnImageIsShown)
     cImg colours = makeImage<quint8>(cImgType::RGB24, {{10, 0, 60, 61, 255, 10}});
     setParam(colours, "AutoRange/Use", true);
     EXPECT_EQ(bytesOf(show(colours)), std::vector<int>({0, 0, 250, 255, 255, 0}));
+}
+
+TEST(automaticRange, OfTypesThatHideItFailsWhereItWasTurnedOn)
+{
+    for (const auto type :
+        {cImgType::Gradient16, cImgType::Gradient32, cImgType::Complex, cImgType::SInt64}) {
+        cImg image = makeRandomImage(type, 4, 4);
+        setParam(image, "AutoRange/Use", true);
+        const std::string message = messageOf([&] { show(image); });
+        EXPECT_EQ(message.find("cMinMaxFunctor::operator (): Unsupported image format ("), 0u)
+            << type << ": " << message;
+    }
+}
+
+TEST(automaticRange, MakesANewTableOfTheGamma)
+{
+    cImg image = makeImage<quint8>(cImgType::UInt8, {{0, 64, 255}});
+    image.imgType().setGamma(2.0);
+    EXPECT_EQ(bytesOf(show(image)), std::vector<int>({0, 128, 255}));
+    setParam(image, "Gamma", 0.5);
+    setParam(image, "AutoRange/Use", true);
+    EXPECT_EQ(bytesOf(show(image)), std::vector<int>({0, 64, 255})) << "the range is that already";
+    setParam(image, "AutoRange/Use", false);
+    EXPECT_EQ(bytesOf(show(image)), std::vector<int>({0, 128, 255})) << "so the table stays";
+    setParam(image, "AutoRange/Use", true);
+    image.setPixel(2, 0, quint8(254));
+    show(image); // changes the range
+    setParam(image, "AutoRange/Use", false);
+    setParam(image, "Range", cDblRange(0, 255));
+    EXPECT_EQ(bytesOf(show(image)), std::vector<int>({0, 16, 252}));
 }
 
 TEST(gamma, ParametersAloneDoNotMakeANewTable)

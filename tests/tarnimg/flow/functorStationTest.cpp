@@ -89,6 +89,7 @@ TEST(functorStationTest, OneImageBecomesOneWithItsAttributes)
     const auto results = harness.values<cImg>("img");
     ASSERT_EQ(results.size(), 1);
     EXPECT_EQ(pixelOf(results[0]), 42);
+    EXPECT_EQ(harness.stamps("img"), QList<qint64> {4});
     EXPECT_EQ(results[0].getName(), QStringLiteral("part"));
     EXPECT_TRUE(results[0].getImgAttributes().contains(QStringLiteral("gain")));
 }
@@ -117,6 +118,26 @@ TEST(functorStationTest, NothingIsComputedOrReportedWhileNobodyWantsTheOutput)
     two.feed("img2", grey(1), 1);
     two.runAll();
     EXPECT_TRUE(two.errors().isEmpty());
+}
+
+TEST(functorStationTest, SeveralImagesOfAMatchBecomeOneEachUnderTheirOwnStamps)
+{
+    StationHarness harness(new cTwiceStation);
+    harness.send("img", grey(1), 4);
+    harness.send("img", grey(2), 7);
+    harness.finish("img", 7);
+    EXPECT_EQ(harness.runAll(), 1);
+    EXPECT_EQ(harness.stamps("img"), (QList<qint64> {4, 7}));
+    EXPECT_EQ(pixelOf(harness.values<cImg>("img")[1]), 4);
+}
+
+TEST(functorStationTest, AValueIsNotComputedWhileNobodyWantsIt)
+{
+    StationHarness harness(new cWidthStation, {QStringLiteral("width")});
+    harness.feed("img", cImg(), 1); // would fail
+    harness.runAll();
+    EXPECT_TRUE(harness.errors().isEmpty());
+    EXPECT_EQ(harness.fates("img").gated, 1u);
 }
 
 TEST(functorStationTest, AnInvalidImageIsPassedOverByOneInputAndReportedByTwo)

@@ -75,6 +75,38 @@ TEST(imageMatrixConvertersTest, AnImageOfAnotherTypeKeepsItsValues)
     const auto matrix = converted<cImg, cMatrix<float>>(image);
     EXPECT_EQ(matrix(0, 0), 7.0f);
     EXPECT_EQ(matrix(0, 1), 255.0f);
+
+    // Whole numbers too, which a conversion alone would stretch; and the range of the image limits them.
+    const auto numbers = converted<cImg, cMatrix<int>>(image);
+    EXPECT_EQ(numbers(0, 0), 7);
+    EXPECT_EQ(numbers(0, 1), 255);
+    image.setRange(10, 200);
+    const auto limited = converted<cImg, cMatrix<int>>(image);
+    EXPECT_EQ(limited(0, 0), 10);
+    EXPECT_EQ(limited(0, 1), 200);
+}
+
+namespace {
+
+template <class A, class B> int countBothWays()
+{
+    return (cTypeConverterBase::getTypeConverter(typeid(A), typeid(B)) != nullptr)
+        + (cTypeConverterBase::getTypeConverter(typeid(B), typeid(A)) != nullptr);
+}
+
+template <class E> int countOfElement()
+{
+    return countBothWays<cImg, cMatrix<E>>() + countBothWays<QList<cImg>, QList<cMatrix<E>>>()
+        + countBothWays<QList<cImg>, QVector<cMatrix<E>>>()
+        + countBothWays<QVector<cImg>, QList<cMatrix<E>>>()
+        + countBothWays<QVector<cImg>, QVector<cMatrix<E>>>();
+}
+
+} // namespace
+
+TEST(imageMatrixConvertersTest, ThirtyPairsOfTypesConvert)
+{
+    EXPECT_EQ(countOfElement<int>() + countOfElement<float>() + countOfElement<double>(), 30);
 }
 
 TEST(imageMatrixConvertersTest, WhatDoesNotConvertGivesZeros)
@@ -109,14 +141,19 @@ TEST(imageMatrixConvertersTest, AMatrixReachesAnImageInputWithItsStamp)
     const std::unique_ptr<cBufferConverterBase> converter(port.makeBufferConverter(typeid(cMatrix<float>)));
     ASSERT_NE(converter, nullptr);
     EXPECT_EQ(port.makeBufferConverter(typeid(QColor)), nullptr);
+    EXPECT_EQ(converter->convert(nullptr), nullptr);
+    port.enableAudit(true);
 
     cOPort<cMatrix<float>> pool(nullptr, QStringLiteral("out"), 5);
     cBufferT<cMatrix<float>>* buffer = pool.getFreeBuffer(false);
     buffer->setValue(counting<float>(2, 2));
     buffer->setStamp(99);
-    port.receiveBuffer({buffer}, converter.get(), false);
+    port.receiveBuffer({buffer}, converter.get(), true);
+    ASSERT_EQ(port.getAuditRecords().size(), 1);
+    EXPECT_EQ(port.getAuditRecords().first().text, QStringLiteral("2, 2, 0, 1, 2, 3")) << "what came in";
     EXPECT_TRUE(seen.isKindOf(cImgType::Float32));
     EXPECT_EQ(seen.getPixel<float>(1, 1), 3.0f);
     EXPECT_EQ(stamp.getStamp(), 99);
     EXPECT_EQ(pool.getHeldCount(), 0);
+    EXPECT_EQ(converter->getPool()->getHeldCount(), 0);
 }

@@ -1,6 +1,8 @@
 #include "support/TraceLines.h"
 
 #include <gtest/gtest.h>
+#include <tarnbase/cMatrix.h>
+#include <tarnflow/cGraph.h>
 #include <tarnflow/cStation.h>
 #include <tarnimg/cIPortImg.h>
 
@@ -166,6 +168,30 @@ TEST(imagePortsTest, LinksCompareWholePairs)
     EXPECT_TRUE(input.checkStaticData(&output));
 }
 
+TEST(imagePortsTest, APortOfOtherValuesHasNothingToCompare)
+{
+    TraceLines trace;
+    cIPort<cImg> input;
+    input.addImageType(cImgType::UInt8, 1);
+    const cOPort<cMatrix<float>> matrices;
+    EXPECT_TRUE(input.checkStaticData(&matrices));
+    EXPECT_EQ(trace.take(), QStringList());
+}
+
+TEST(imagePortsTest, TwoInputsAreComparedLikeAnInputAndAnOutput)
+{
+    TraceLines trace;
+    cIPort<cImg> first;
+    cIPort<cImg> second;
+    first.addImageType(cImgType::UInt8, 1);
+    first.addImageType(cImgType::UInt8, 3);
+    first.addImageType(cImgType::UInt8, 1); // once more counts once
+    second.addImageType(cImgType::UInt16, 1);
+    EXPECT_FALSE(first.checkStaticData(&second));
+    EXPECT_EQ(
+        trace.take(), QStringList {QStringLiteral("Image types do not match: UInt8,UInt8,UInt16 and ")});
+}
+
 TEST(imagePortsTest, TooltipsNameTheTypes)
 {
     cIPort<cImg> input;
@@ -188,6 +214,49 @@ TEST(imagePortsTest, AnOutputMadeForAnInputHasAPoolOfFive)
     const std::unique_ptr<cOPortBase> output(input.makeOutport(&station, QStringLiteral("copy")));
     EXPECT_EQ(output->getPoolLimit(), 5);
     EXPECT_TRUE(output->getTypeID() == typeid(cImg));
+}
+
+TEST(imagePortsTest, BoundariesMadeForImagePortsCarryImages)
+{
+    cPlainStation station;
+    cIPort<cImg> input(&station, QStringLiteral("img"));
+    cOPort<cImg> output(&station, QStringLiteral("out"), 5);
+    for (cPortBase* maker : {static_cast<cPortBase*>(&input), static_cast<cPortBase*>(&output)}) {
+        const auto make = [&](auto* i_inner) {
+            auto* asInput = dynamic_cast<cIPort<cImg>*>(maker);
+            return asInput ? static_cast<cPortBase*>(asInput->makeExport(i_inner, nullptr, QString()))
+                           : static_cast<cPortBase*>(
+                               static_cast<cOPort<cImg>*>(maker)->makeExport(i_inner, nullptr, QString()));
+        };
+        const std::unique_ptr<cPortBase> import(make(static_cast<cIPortBase*>(nullptr)));
+        const std::unique_ptr<cPortBase> boundary(make(static_cast<cOPortBase*>(nullptr)));
+        EXPECT_NE(dynamic_cast<cImport<cImg>*>(import.get()), nullptr);
+        EXPECT_NE(dynamic_cast<cExport<cImg>*>(boundary.get()), nullptr);
+        EXPECT_EQ(static_cast<cOPortBase*>(boundary.get())->getPoolLimit(), 5);
+    }
+}
+
+TEST(imagePortsTest, AViewerThatKeepsImagesNeverStarvesTheFlow)
+{
+    cGraph graph;
+    auto* sender = new cPlainStation;
+    ASSERT_TRUE(graph.addNode(sender));
+    cOPort<cImg> output(sender, QStringLiteral("out"), 5);
+    cIPort<cImg> viewer;
+    QList<cImg> kept;
+    viewer.setDirectCallback([&](cBufferT<cImg>* buffer) { kept.append(buffer->getValue()); });
+    ASSERT_TRUE(graph.link(&output, &viewer));
+    QList<const unsigned char*> sent;
+    for (int i = 0; i < 50; ++i) { // ten times as many as there are buffers
+        const cImg shown = image(cImgType::UInt8, 1);
+        sent.append(shown.getConstData());
+        output.send(shown, i);
+        ASSERT_EQ(output.getHeldCount(), 0);
+    }
+    ASSERT_EQ(kept.size(), 50);
+    for (int i = 0; i < 50; ++i)
+        EXPECT_EQ(std::as_const(kept)[i].getConstData(), sent[i]) << "no pixels are copied on the way";
+    graph.unlink(&output, &viewer);
 }
 
 TEST(imagePortsTest, InitAttachesOnceAndAPoolSizeOfZeroMeansNoLimit)

@@ -2,6 +2,8 @@
 #include "frame/ippConstants.h"
 #include "support/messageOf.h"
 
+#include <QMetaEnum>
+#include <QTextCodec>
 #include <cmath>
 #include <customipp/customipp.h>
 #include <gtest/gtest.h>
@@ -9,6 +11,7 @@
 #include <tarnbase/cMapObj.h>
 #include <tarnflow/cStation.h>
 #include <tarnflow/cStepScope.h>
+#include <tarnimg/cIPortImg.h>
 #include <tarnimg/checkIPPStatus.h>
 
 namespace {
@@ -25,6 +28,13 @@ TEST(functorFrameTest, AnEmptyListTakesEveryImageValidOrNot)
 {
     EXPECT_TRUE(cListFunctor().isSupported(cImg(cImgType::Complex, 2, 2)));
     EXPECT_TRUE(cListFunctor().isSupported(cImg()));
+
+    // So its check passes, but that of the image itself comes before.
+    const auto check = [](const cImg& i_image) {
+        return messageOf([&] { frame::checkInput(cListFunctor(), i_image, "c::operator ()"); });
+    };
+    EXPECT_EQ(check(cImg(cImgType::Complex, 2, 2)), "no failure");
+    EXPECT_EQ(check(cImg()), "c::operator (): Invalid image.");
 }
 
 TEST(functorFrameTest, AChannelCountOfZeroMeansAny)
@@ -34,6 +44,35 @@ TEST(functorFrameTest, AChannelCountOfZeroMeansAny)
     EXPECT_TRUE(functor.isSupported(cImg(cImgType::Float32, 2, 2, 5)));
     EXPECT_FALSE(functor.isSupported(cImg(cImgType::UInt8, 2, 2, 1)));
     EXPECT_FALSE(functor.isSupported(cImg()));
+}
+
+TEST(functorFrameTest, CopiesTakeTheListAlong)
+{
+    cListFunctor functor;
+    functor.take(cImgType::UInt8, 1);
+    cListFunctor copy(functor);
+    cListFunctor assigned;
+    assigned.take(cImgType::Complex, 2);
+    assigned = functor;
+    functor.take(cImgType::RGB24, 3);
+    for (const cListFunctor* other : {&copy, &assigned}) {
+        EXPECT_EQ(other->getSupportedInputs().size(), 1);
+        EXPECT_TRUE(other->isSupported(cImg(cImgType::UInt8, 2, 2)));
+        EXPECT_FALSE(other->isSupported(cImg(cImgType::Complex, 2, 2)));
+    }
+}
+
+TEST(functorFrameTest, APortKeepsWhatItTakesAndLearnsTheListInItsOrder)
+{
+    cListFunctor functor;
+    functor.take(cImgType::RGB24, 3);
+    functor.take(cImgType::Float32, 0);
+    cIPort<cImg> port;
+    port.addImageType(cImgType::UInt8, 1);
+    functor.initSupportedTypes(port);
+    using Pair = QPair<cImgType::ImageTypes, unsigned int>;
+    EXPECT_TRUE(port.getSupportedTypes()
+        == (QList<Pair> {{cImgType::UInt8, 1u}, {cImgType::RGB24, 3u}, {cImgType::Float32, 0u}}));
 }
 
 TEST(functorFrameTest, AnotherChannelCountIsRefusedByName)
@@ -48,8 +87,19 @@ TEST(functorFrameTest, AnotherChannelCountIsRefusedByName)
 TEST(functorFrameTest, AWarningFailsLikeAnError)
 {
     EXPECT_EQ(messageOf([] { checkIPPStatus(ippStsNoErr); }), "no failure");
-    EXPECT_EQ(messageOf([] { checkIPPStatus(ippStsDivByZero); }),
-        std::string("checkIPPStatus: ") + ippGetStatusString(ippStsDivByZero));
+    for (const IppStatus status : {ippStsDivByZero, ippStsSizeErr})
+        EXPECT_EQ(messageOf([&] { checkIPPStatus(status); }),
+            std::string("checkIPPStatus: ") + ippGetStatusString(status));
+}
+
+TEST(functorFrameTest, TheTextOfAFailureIsInTheLocalEncoding)
+{
+    QTextCodec* const before = QTextCodec::codecForLocale();
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+    EXPECT_EQ(messageOf([] { frame::fail(QString(QChar(0xfc))); }), "\xc3\xbc");
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+    EXPECT_EQ(messageOf([] { frame::fail(QString(QChar(0xfc))); }), "\xfc");
+    QTextCodec::setCodecForLocale(before);
 }
 
 TEST(functorFrameTest, AnEnumerationParameterHoldsAKeyAndKnowsTheOthers)
@@ -57,9 +107,11 @@ TEST(functorFrameTest, AnEnumerationParameterHoldsAKeyAndKnowsTheOthers)
     QString key = QStringLiteral("Float32");
     cMapObj params;
     frame::bindEnumParam(&params, "type", key, cImgType::staticMetaObject, "ImageTypes");
+    EXPECT_EQ(key, QStringLiteral("Float32"));
     cObj* entry = params.getSubObject(QStringLiteral("type"));
     ASSERT_EQ(entry->getChoices().size(), 15);
     EXPECT_EQ(entry->getChoices().first(), QStringLiteral("Invalid"));
+    EXPECT_EQ(entry->getFlags(), cObj::ObjFlags());
     ASSERT_TRUE(entry->setFromText(QStringLiteral("RGB24")));
     EXPECT_EQ(key, QStringLiteral("RGB24"));
 }
@@ -69,6 +121,13 @@ TEST(functorFrameTest, AnUnknownKeyCountsAsZero)
     const QMetaObject& types = cImgType::staticMetaObject;
     EXPECT_EQ(frame::enumValue(types, "ImageTypes", QStringLiteral("Float32")), 10);
     EXPECT_EQ(frame::enumValue(types, "ImageTypes", QStringLiteral("nothing")), 0);
+    EXPECT_EQ(frame::enumValue(types, "ImageTypes", QString()), 0);
+    // Also where no key has this value.
+    const QMetaEnum orientation = QMetaEnum::fromType<Qt::Orientation>();
+    EXPECT_EQ(orientation.valueToKey(0), nullptr);
+    const QMetaObject& owner = *orientation.enclosingMetaObject();
+    EXPECT_EQ(frame::enumValue(owner, "Orientation", QStringLiteral("Vertical")), int(Qt::Vertical));
+    EXPECT_EQ(frame::enumValue(owner, "Orientation", QStringLiteral("nothing")), 0);
 }
 
 namespace {

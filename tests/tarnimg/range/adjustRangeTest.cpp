@@ -26,6 +26,19 @@ TEST(adjustRangeTest, LeastAndGreatestPixel)
         adjusted(makeImage<double>(cImgType::Float64, {{7, -0.25}, {3, 1e300}})), cDblRange(-0.25, 1e300));
 }
 
+TEST(adjustRangeTest, OfWideNumbersOnlyAsManyPixelsAsARowHasBytesCount)
+{
+    // One column: four bytes make four rows, eight bytes eight.
+    EXPECT_EQ(
+        adjusted(generateImage(cImgType::SInt32, 1, 20, [](unsigned, unsigned y) { return qint32(y); })),
+        cDblRange(0, 3));
+    EXPECT_EQ(adjusted(generateImage(cImgType::Float64, 1, 20, [](unsigned, unsigned y) { return y + 0.5; })),
+        cDblRange(0.5, 7.5));
+    // With several channels each of them counts, down to the last row.
+    EXPECT_EQ(adjusted(makeImage<qint32>(cImgType::SInt32, {{5, 6}, {7, 8}, {9, 10}, {-1, 3}, {4, 99}}, 2)),
+        cDblRange(-1, 99));
+}
+
 TEST(adjustRangeTest, AllChannelsCountButAlpha)
 {
     EXPECT_EQ(adjusted(makeImage<quint8>(cImgType::RGB24, {{10, 20, 30, 9, 40, 200}})), cDblRange(9, 200));

@@ -210,6 +210,16 @@ TEST(autoRangeTest, AQuantileCutsBothEndsOfTheHistogram)
     EXPECT_EQ(numbers.show(tenSteps<qint16>(cImgType::SInt16, 5, -300)), cDblRange(-150, 150));
 }
 
+TEST(autoRangeTest, OfSeveralChannelsAQuantileCutsTheFirstBytesOfEachRow)
+{
+    AutoRange display(cImgType::UInt8);
+    display.set("Quantil", 0.2);
+    // Ten pixels of two channels: the histogram has the first ten bytes, 10 to 100, which are five pixels.
+    const cImg image = makeImage<quint8>(
+        cImgType::UInt8, {{10, 20, 30, 40, 50, 60, 70, 80, 90, 100, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}}, 2);
+    EXPECT_EQ(display.show(image), cDblRange(30, 90));
+}
+
 TEST(autoRangeTest, TheGreatestValueOfATypeIsNotCounted)
 {
     AutoRange display(cImgType::UInt8);

@@ -165,3 +165,14 @@ TEST(cBlockMinMaxStationTest, OneWantedOutputIsEnoughAndNoneComputesNothing)
     EXPECT_TRUE(none.errors().isEmpty());
     EXPECT_EQ(none.fates("img").gated, 1u);
 }
+
+TEST(cBlockMinMaxStationTest, AnInvalidImageIsReported)
+{
+    StationHarness harness(cStation::create(QStringLiteral("ipp/image/statistics/blockMinMax")));
+    harness.feed("img", cImg(), 1);
+    harness.runAll();
+    ASSERT_EQ(harness.errors().size(), 1);
+    EXPECT_EQ(harness.errors().at(0).getMessage(),
+        QStringLiteral("cBlockMinMaxFunctor::operator (): Invalid image."));
+    EXPECT_TRUE(harness.outputs().isEmpty());
+}

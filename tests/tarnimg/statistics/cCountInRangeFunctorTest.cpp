@@ -136,4 +136,31 @@ TEST(cCountInRangeRGBFunctorTest, TheStationSendsRedGreenBlue)
     onlyBlue.feed("img", colours(), 10);
     onlyBlue.runAll();
     EXPECT_EQ(onlyBlue.values<int>("blueCount"), QVector<int> {1});
+
+    StationHarness unasked(
+        create(), {QStringLiteral("redCount"), QStringLiteral("greenCount"), QStringLiteral("blueCount")});
+    unasked.feed("img", cImg(cImgType::RGB24, 0, 3), 10);
+    unasked.runAll();
+    EXPECT_TRUE(unasked.errors().isEmpty());
+    EXPECT_EQ(unasked.fates("img").gated, 1u);
+}
+
+TEST(cCountInRangeRGBFunctorTest, TheStationsReportAnInvalidImage)
+{
+    struct Case {
+        const char* station;
+        const char* functor;
+        cImgType::ImageTypes type;
+    };
+    for (const Case& c : {Case {"countInRange", "cCountInRangeFunctor", cImgType::UInt8},
+             Case {"countInRangeRGB", "cCountInRangeRGBFunctor", cImgType::RGB24}}) {
+        StationHarness harness(
+            cStation::create(QStringLiteral("ipp/image/statistics/") + QString::fromLatin1(c.station)));
+        harness.feed("img", cImg(c.type, 0, 3), 10);
+        harness.runAll();
+        ASSERT_EQ(harness.errors().size(), 1) << c.station;
+        EXPECT_EQ(harness.errors().at(0).getMessage(),
+            QString::fromLatin1(c.functor) + QStringLiteral("::operator (): Invalid image."));
+        EXPECT_TRUE(harness.outputs().isEmpty());
+    }
 }

@@ -3,6 +3,7 @@
 #include "support/messageOf.h"
 
 #include <QPainterPath>
+#include <customipp/customipp.h>
 #include <gtest/gtest.h>
 #include <limits>
 #include <tarnimg/statistics/cFindPeaks3x3Functor.h>
@@ -97,6 +98,10 @@ TEST(cFindPeaks3x3FunctorTest, WhatFailsSaysSo)
         name + ": Unsupported image format (SInt32) or channel count (2).");
     EXPECT_EQ(messageOf([] { functor(0, 0)(cImg(cImgType::SInt32, 3, 3)); }),
         name + ": maxPeaks must be > 0 and norm must be < 2.");
+    unsigned char memory[2 * 13] = {};
+    EXPECT_EQ(messageOf([&] { functor(0)(cImg(cImgType::SInt32, 3, 2, 4, 13, memory, {})); }),
+        name + ": " + ippGetStatusString(ippStsNotEvenStepErr))
+        << "the second row begins at an odd byte";
 }
 
 TEST(cFindPeaks3x3StationTest, PeaksComeAsPointsAndAsCrosses)
@@ -131,6 +136,17 @@ TEST(cFindPeaks3x3StationTest, WithoutPeaksTheListAndThePathAreEmpty)
     EXPECT_TRUE(harness->values<Points>("peaks").at(0).isEmpty());
     ASSERT_EQ(harness->values<QPainterPath>("path").size(), 1);
     EXPECT_TRUE(harness->values<QPainterPath>("path").at(0).isEmpty());
+}
+
+TEST(cFindPeaks3x3StationTest, AnInvalidImageIsReported)
+{
+    const std::unique_ptr<StationHarness> harness(harnessWithout());
+    harness->feed("img", cImg(cImgType::SInt32, 0, 3), 1);
+    harness->runAll();
+    ASSERT_EQ(harness->errors().size(), 1);
+    EXPECT_EQ(harness->errors().at(0).getMessage(),
+        QStringLiteral("cFindPeaks3x3Functor::operator (): Invalid image."));
+    EXPECT_TRUE(harness->outputs().isEmpty());
 }
 
 TEST(cFindPeaks3x3StationTest, OneWantedOutputIsEnoughAndNoneComputesNothing)

@@ -6,6 +6,7 @@
 #include "support/messageOf.h"
 
 #include <cmath>
+#include <customipp/customipp.h>
 #include <tarnimg/statistics/cImgNormDiffFunctor.h>
 #include <tarnimg/statistics/cImgNormFunctor.h>
 
@@ -122,6 +123,25 @@ TEST(cImgNormFunctorTest, AMaskThatIsTooSmallIsNotReadBeyondItsEnd)
     EXPECT_EQ(norm(image, cImg(wide, false, cRect<int>(0, 1, 5, 1))), 5);
 }
 
+TEST(cImgNormFunctorTest, AStatusIsReportedButNotOfTheFormWithAMask)
+{
+    unsigned char memory[10] = {};
+    const cImg image(cImgType::UInt16, 2, 2, 2, 5, memory, {}); // the second row begins at an odd byte
+    const cImg mask = makeImage<quint8>(cImgType::UInt8, {{1, 1}, {1, 1}});
+    const std::string status = ippGetStatusString(ippStsNotEvenStepErr);
+    for (const char* mode : s_modes) {
+        Norm norm;
+        NormDiff difference;
+        norm.set("mode", QString::fromLatin1(mode));
+        difference.set("mode", QString::fromLatin1(mode));
+        EXPECT_EQ(messageOf([&] { norm(image); }), "cImgNormFunctor::operator (): " + status);
+        EXPECT_EQ(
+            messageOf([&] { difference(image, image); }), "cImgNormDiffFunctor::operator (): " + status);
+        EXPECT_EQ(norm(image, mask), 0);
+        EXPECT_EQ(norm(image, cImg()), 0);
+    }
+}
+
 TEST(cImgNormFunctorTest, InvalidAndUnsupportedImagesAreRefused)
 {
     const cImgNormFunctor norm;
@@ -149,6 +169,11 @@ TEST(cImgNormFunctorTest, TheStationTakesAMaskOrNone)
     masked.runAll();
     EXPECT_EQ(masked.values<double>("norm"), QVector<double> {4});
     EXPECT_EQ(masked.stamps("norm"), QList<qint64> {10});
+    // The mask of an earlier image does not stay.
+    masked.finish("mask", 11);
+    masked.feed("img", threeAndFour()[0], 11);
+    masked.runAll();
+    EXPECT_EQ(masked.values<double>("norm"), (QVector<double> {4, 7}));
 
     StationHarness alone(create(), {QStringLiteral("mask")});
     alone.feed("img", threeAndFour()[0], 10);
@@ -161,6 +186,7 @@ TEST(cImgNormFunctorTest, TheStationTakesAMaskOrNone)
     unasked.feed("img", cImg(), 10);
     unasked.runAll();
     EXPECT_TRUE(unasked.errors().isEmpty()) << "nobody wants the norm, so nothing is looked at";
+    EXPECT_EQ(unasked.fates("img").gated, 1u);
 }
 
 TEST(cImgNormDiffFunctorTest, ModesGiveTheirNorms)

@@ -3,6 +3,7 @@
 #include "support/messageOf.h"
 
 #include <cstring>
+#include <customipp/customipp.h>
 #include <gtest/gtest.h>
 #include <tarnimg/statistics/cIntegralFunctor.h>
 
@@ -97,6 +98,10 @@ TEST(cIntegralFunctorTest, WhatFailsSaysSo)
         name + ": Unsupported image format (UInt16) or channel count (1).");
     EXPECT_EQ(messageOf([] { cIntegralFunctor()(cImg(cImgType::Float32, 2, 2, 2)); }),
         name + ": Unsupported image format (Float32) or channel count (2).");
+    unsigned char memory[18] = {};
+    const cImg odd(cImgType::Float32, 2, 2, 4, 9, memory, {}); // the second row begins at an odd byte
+    EXPECT_EQ(
+        messageOf([&] { cIntegralFunctor()(odd); }), name + ": " + ippGetStatusString(ippStsNotEvenStepErr));
 }
 
 TEST(cIntegralStationTest, TheResultCarriesTheAttributesOfTheImage)

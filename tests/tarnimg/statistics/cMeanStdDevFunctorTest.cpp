@@ -104,6 +104,17 @@ TEST(cMeanStdDevFunctorTest, AMaskThatIsTooSmallIsNotReadBeyondItsEnd)
         message);
 }
 
+TEST(cMeanStdDevFunctorTest, RowsThatBeginAtOddBytesAreRefused)
+{
+    const cMeanStdDevFunctor functor;
+    unsigned char memory[10] = {};
+    const cImg image(cImgType::UInt16, 2, 2, 2, 5, memory, {});
+    const std::string message
+        = std::string("cMeanStdDevFunctor::operator (): ") + ippGetStatusString(ippStsNotEvenStepErr);
+    EXPECT_EQ(messageOf([&] { resultOf(functor, image); }), message);
+    EXPECT_EQ(messageOf([&] { resultOf(functor, image, cImg(cImgType::UInt8, 2, 2, 1)); }), message);
+}
+
 TEST(cMeanStdDevFunctorTest, InvalidAndUnsupportedImagesAreRefused)
 {
     const cMeanStdDevFunctor functor;
@@ -131,7 +142,14 @@ TEST(cMeanStdDevFunctorTest, TheStationSendsMeanThenDeviation)
     EXPECT_EQ(harness.outputs()[1].port, QStringLiteral("stdDev"));
     EXPECT_EQ(harness.values<double>("mean"), QVector<double> {3});
     EXPECT_EQ(harness.values<double>("stdDev"), QVector<double> {1});
+    EXPECT_EQ(harness.stamps("mean"), QList<qint64> {10});
     EXPECT_EQ(harness.stamps("stdDev"), QList<qint64> {10});
+
+    // The mask of an earlier image does not stay.
+    harness.finish("mask", 11);
+    harness.feed("img", image, 11);
+    harness.runAll();
+    EXPECT_EQ(harness.values<double>("mean"), (QVector<double> {3, 6}));
 }
 
 TEST(cMeanStdDevFunctorTest, TheStationNeedsNeitherAMaskNorBothOutputs)
@@ -148,4 +166,17 @@ TEST(cMeanStdDevFunctorTest, TheStationNeedsNeitherAMaskNorBothOutputs)
     unasked.feed("img", cImg(), 10);
     unasked.runAll();
     EXPECT_TRUE(unasked.errors().isEmpty());
+    EXPECT_EQ(unasked.fates("img").gated, 1u);
+}
+
+TEST(cMeanStdDevFunctorTest, TheStationReportsAnInvalidImageAndGoesOn)
+{
+    StationHarness harness(station(), {QStringLiteral("mask")});
+    harness.feed("img", cImg(), 10);
+    harness.feed("img", makeImage<quint8>(cImgType::UInt8, {{1, 2}, {3, 4}}), 11);
+    harness.runAll();
+    ASSERT_EQ(harness.errors().size(), 1);
+    EXPECT_EQ(harness.errors().at(0).getMessage(),
+        QStringLiteral("cMeanStdDevFunctor::operator (): Invalid image."));
+    EXPECT_EQ(harness.stamps("mean"), QList<qint64> {11});
 }

@@ -115,6 +115,8 @@ TEST(cMinMaxFunctorTest, NoPixelBehindTheMemoryOfTheImageIsRead)
         expectVariants<int>(image, QMetaType::Int, -2, int(3 * height) - 3);
         const cImg lastPixel(image, false, cRect<int>(2, int(height) - 1, 1, 1));
         expectVariants<int>(lastPixel, QMetaType::Int, int(3 * height) - 3, int(3 * height) - 3);
+        const cImg withoutSign(cImgType::UInt32, 3, height, 4, 12, memory.data(), {});
+        expectVariants<uint>(withoutSign, QMetaType::UInt, 0, ~0u); // -1 is the greatest
     }
 }
 

@@ -119,6 +119,10 @@ TEST(cRectStdDevFunctorTest, TheChecksComeInTheirOrder)
     EXPECT_EQ(says(sums, cImg(cImgType::Float64, 20, 19)), name + ": Image sizes must be equal.");
     EXPECT_EQ(says(sums, cImg(cImgType::Float64, 21, 20)), name + ": Image sizes must be equal.");
     EXPECT_EQ(says(cImg(cImgType::SInt32, 3, 3), cImg(cImgType::Float64, 3, 3)), statusText(ippStsStepErr));
+    unsigned char memory[20 * 81] = {};
+    EXPECT_EQ(
+        says(cImg(cImgType::SInt32, 20, 20, 4, 81, memory, {}), squares), statusText(ippStsNotEvenStepErr))
+        << "the second row begins at an odd byte";
 }
 
 TEST(cRectStdDevStationTest, BothIntegralsOfAStampBecomeOneImage)

@@ -106,3 +106,14 @@ TEST(cSqrIntegralStationTest, OneWantedOutputIsEnoughAndNoneComputesNothing)
     none.runAll();
     EXPECT_EQ(none.fates("img").gated, 1u);
 }
+
+TEST(cSqrIntegralStationTest, AnInvalidImageIsReported)
+{
+    StationHarness harness(cStation::create(QStringLiteral("ipp/image/statistics/sqrIntegral")));
+    harness.feed("img", cImg(), 1);
+    harness.runAll();
+    ASSERT_EQ(harness.errors().size(), 1);
+    EXPECT_EQ(harness.errors().at(0).getMessage(),
+        QStringLiteral("cSqrIntegralFunctor::operator (): Invalid image."));
+    EXPECT_TRUE(harness.outputs().isEmpty());
+}
