@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <tarnflow/cDfpNode.h>
+#include <tarnflow/cGraphError.h>
 #include <tarnflow/cStationInfo.h>
 
 class QWidget;
@@ -72,6 +73,16 @@ public:
     void reportError(const cError& i_error);
 
     /**
+     * Keeps what the graph does wrong with the station, in contrast to a frame that failed: a type of data
+     * that a port does not take, a parameter's value that the data cannot hold. It would meet each frame of
+     * its kind. The place is a port or parameter of the station, or empty for the station itself; the first
+     * misfit of each place since the start is kept. Any thread.
+     */
+    void noteMisfit(const cGraphError& i_misfit);
+    /** With their whole places, in the order in which they were met. Any thread. */
+    QList<cGraphError> getMisfits() const;
+
+    /**
      * With true there is no processing thread: jobs stay queued until `runNextJob` is called. For a host (or
      * a test) that steps through the flow by itself; only while the station is stopped.
      */
@@ -98,6 +109,8 @@ private:
     QMutex m_inputMutex;
     QString m_identifier;
     QList<cPortGroupBase*> m_groups;
+    mutable QMutex m_misfitMutex;
+    QList<cGraphError> m_misfits; ///< guarded by m_misfitMutex; places as they were given
     std::atomic<bool> m_dead {false};
     const std::unique_ptr<cStationThread> m_thread;
 };

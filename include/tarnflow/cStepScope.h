@@ -2,6 +2,9 @@
 
 #include <tarnflow/export.h>
 
+class cStation;
+struct cGraphError;
+
 /**
  * Watches one process step on the thread that runs it, so that the frame's fate can be told afterwards.
  *
@@ -30,7 +33,8 @@ public:
         cStepScope* m_suspended;
     };
 
-    cStepScope();
+    /** @param i_station whose step it is */
+    explicit cStepScope(cStation* i_station = nullptr);
     ~cStepScope();
     cStepScope(const cStepScope&) = delete;
     cStepScope& operator=(const cStepScope&) = delete;
@@ -45,9 +49,12 @@ public:
     static void noteLost();
     /** The step passes the frame over. */
     static void noteIgnored();
+    /** What the step got does not fit the station, see cStation::noteMisfit. */
+    static void noteMisfit(const cGraphError& i_misfit);
 
 private:
     cStepScope* m_outer;
+    cStation* const m_station;
     bool m_asked = false;
     bool m_wanted = false;
     bool m_sent = false;

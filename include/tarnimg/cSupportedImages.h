@@ -28,6 +28,10 @@ public:
     bool meets(const cSupportedImages& i_other) const;
     /** The names of the types, one for each different pair. */
     QStringList getTypeNames() const;
+    /** Such as "UInt8 of 1 channel, RGB24"; empty for an empty list. */
+    QString toText() const;
+    /** An image in the same words: "UInt16 of 3 channels". */
+    static QString describe(const cImg& i_image);
 
 private:
     List m_list;

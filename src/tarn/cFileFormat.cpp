@@ -229,18 +229,25 @@ void cFileFormat::checkRatio(quint64 i_needed, quint64 i_found, quint64 i_most)
                   .arg(i_needed / i_most));
 }
 
+QString cFileFormat::whyNotHeld(const cImg& i_image) const
+{
+    const cImgType::ImageTypes type = i_image.getImgType().getTypeId();
+    const unsigned channels = i_image.getNumChannels();
+    if (canHold(type, channels))
+        return {};
+    const QStringList others = holders(type, channels);
+    return QStringLiteral("%1 cannot hold %2, formats that can: %3")
+        .arg(getName(), typeText(type, channels),
+            others.isEmpty() ? QStringLiteral("none") : others.join(QStringLiteral(", ")));
+}
+
 void cFileFormat::checkHeld(const cImg& i_image) const
 {
     if (!i_image.isValid())
         raise(QStringLiteral("the image is not valid"));
-    const cImgType::ImageTypes type = i_image.getImgType().getTypeId();
-    const unsigned channels = i_image.getNumChannels();
-    if (!canHold(type, channels)) {
-        const QStringList others = holders(type, channels);
-        raise(QStringLiteral("%1 cannot hold %2, formats that can: %3")
-                  .arg(getName(), typeText(type, channels),
-                      others.isEmpty() ? QStringLiteral("none") : others.join(QStringLiteral(", "))));
-    }
+    const QString problem = whyNotHeld(i_image);
+    if (!problem.isEmpty())
+        raise(problem);
     checkSize(i_image.getWidth(), i_image.getHeight(), i_image.getImgType().getPixelSize());
 }
 
@@ -318,6 +325,12 @@ bool canHold(const QString& i_path, const cImg& i_image)
 {
     const auto* format = dynamic_cast<const cFileFormat*>(findHandler(i_path, cImgIO::Write));
     return format && format->canHold(i_image.getImgType().getTypeId(), i_image.getNumChannels());
+}
+
+QString whyNotHeld(const QString& i_path, const cImg& i_image)
+{
+    const auto* format = dynamic_cast<const cFileFormat*>(findHandler(i_path, cImgIO::Write));
+    return format ? format->whyNotHeld(i_image) : QString();
 }
 
 bool canRead(const QString& i_path) { return findHandler(i_path, cImgIO::Read); }

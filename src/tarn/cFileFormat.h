@@ -32,6 +32,9 @@ public:
     /** Whether images of this type can be written. */
     virtual bool canHold(cImgType::ImageTypes i_type, unsigned i_channels) const = 0;
 
+    /** Why an image of this type cannot be written, with the formats that can hold it; empty if it can. */
+    QString whyNotHeld(const cImg& i_image) const;
+
     /** How many pictures the file had from which an image was read; those after the first are not read. */
     virtual unsigned countPages(const cImg&) const { return 1; }
 
@@ -78,6 +81,8 @@ void writeImage(const QString& i_path, const cImg& i_image);
 
 /** Whether the format of this path has room for the image's type and channels. */
 bool canHold(const QString& i_path, const cImg& i_image);
+/** Why that format cannot hold the image, with others that can; empty if it can, or has not said. */
+QString whyNotHeld(const QString& i_path, const cImg& i_image);
 /** Whether a handler reads (or writes) files with the extension of this path. */
 bool canRead(const QString& i_path);
 bool canWrite(const QString& i_path);

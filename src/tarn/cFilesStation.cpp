@@ -12,6 +12,13 @@
 #include <tarnbase/cDataRefObj.h>
 #include <tarnbase/cDataValObj.h>
 
+namespace {
+
+/** Room for the masks and blocks that people use, and no work worth mentioning. */
+constexpr int s_rehearsedSide = 64;
+
+} // namespace
+
 cFilesStation::cFilesStation() : m_out(this, QStringLiteral("img"), defaultPoolSize<cImg>)
 {
     m_params[QStringLiteral("path")] = new cDataRefObj<QString>(m_path);
@@ -78,6 +85,21 @@ QList<cGraphError> cFilesStation::checkParams()
     return errors;
 }
 
+void cFilesStation::rehearse(cHostStation& io_like, qint64 i_stamp)
+{
+    auto& like = dynamic_cast<cFilesStation&>(io_like);
+    const bool wanted = i_stamp < like.getTotal() && m_out.isConnected();
+    const cImg image = wanted ? like.readAhead(i_stamp) : cImg();
+    m_files = QStringList {like.getFile(i_stamp)};
+    m_expanded = m_path;
+    m_repeat = image.isValid() ? 1 : 0;
+    m_limit = 0;
+    if (!image.isValid())
+        return;
+    m_aheadFile = m_files.first();
+    m_ahead = cImg(image, true, {0, 0, s_rehearsedSide, s_rehearsedSide});
+}
+
 void cFilesStation::start(StartReasons i_reason)
 {
     expand();
@@ -102,6 +124,40 @@ qint64 cFilesStation::getTotal() const
 
 qint64 cFilesStation::getDone() const { return m_done; }
 
+cImg cFilesStation::readAhead(qint64 i_stamp)
+{
+    const QString file = getFile(i_stamp);
+    if (file != m_aheadFile) {
+        m_aheadFile = file;
+        m_ahead = cImg();
+        m_aheadError.clear();
+        try {
+            if (!file.isEmpty())
+                m_ahead = host::readImage(file);
+        } catch (const std::exception& error) {
+            m_aheadError = error.what();
+        }
+    }
+    return m_ahead;
+}
+
+cImg cFilesStation::read(const QString& i_file)
+{
+    if (m_single.isValid())
+        return m_single;
+    const bool isAhead = i_file == m_aheadFile;
+    if (isAhead && !m_aheadError.isEmpty())
+        throw std::runtime_error(m_aheadError.toStdString());
+    cImg image = isAhead ? m_ahead : host::readImage(i_file);
+    if (isAhead) {
+        m_ahead = cImg();
+        m_aheadFile.clear();
+    }
+    if (m_files.size() == 1 && m_repeat > 1)
+        m_single = image;
+    return image;
+}
+
 void cFilesStation::setLimit(qint64 i_frames)
 {
     const auto limit = unsigned(std::min<qint64>(i_frames, std::numeric_limits<unsigned>::max()));
@@ -116,9 +172,7 @@ bool cFilesStation::produce()
     const QString file = getFile(stamp);
     try {
         if (m_out.requestsData()) {
-            cImg image = m_single.isValid() ? m_single : host::readImage(file);
-            if (m_files.size() == 1 && m_repeat > 1)
-                m_single = image;
+            cImg image = read(file);
             image.setName(QFileInfo(file).completeBaseName());
             image.setFrameIndex(unsigned(stamp));
             image.setNumFrames(unsigned(getTotal()));

@@ -24,6 +24,8 @@ public:
 
     /** Finds the files. Refuses a pattern that stands for none. */
     QList<cGraphError> checkParams() override;
+    /** The frame is what the first few rows and columns of the file show. */
+    void rehearse(cHostStation& io_like, qint64 i_stamp) override;
     void start(StartReasons i_reason) override;
 
     QString getFile(qint64 i_stamp) const override;
@@ -31,6 +33,7 @@ public:
     bool reads(const QString& i_absolutePath) const override;
     qint64 getTotal() const override;
     qint64 getDone() const override;
+    cImg readAhead(qint64 i_stamp) override;
     void setLimit(qint64 i_frames) override;
 
 protected:
@@ -38,6 +41,7 @@ protected:
 
 private:
     QString expand();
+    cImg read(const QString& i_file);
 
     QString m_path;
     unsigned m_repeat = 1;
@@ -49,4 +53,7 @@ private:
     QSet<QString> m_absolute; ///< the same for `reads`
     std::atomic<qint64> m_done {0};
     cImg m_single; ///< the only file when it is repeated, so that it is read once
+    QString m_aheadFile; ///< read before the start
+    cImg m_ahead; ///< what is in it, until the run takes it
+    QByteArray m_aheadError; ///< why it cannot be read; empty if it can
 };

@@ -61,13 +61,18 @@ void cPipelineBuilder::error(const cSourcePos& i_pos, const cGraphError& i_error
 
 bool cPipelineBuilder::build(const cPipeline& i_pipeline)
 {
+    // With names or links missing, the check would only repeat it.
+    if (assemble(i_pipeline))
+        checkStations();
+    return m_errors.isEmpty();
+}
+
+bool cPipelineBuilder::assemble(const cPipeline& i_pipeline)
+{
     m_file = i_pipeline.file;
     buildScope({i_pipeline, m_graph, false});
     if (m_errors.isEmpty() && m_graph.getStations().isEmpty())
         error({}, QStringLiteral("the graph is empty, expected at least one station"));
-    // With names or links missing, what follows would only repeat it.
-    if (m_errors.isEmpty())
-        checkStations();
     return m_errors.isEmpty();
 }
 
@@ -78,6 +83,12 @@ QList<cDiagnostic> cPipelineBuilder::getErrors() const
         return std::tie(a.pos.line, a.pos.column) < std::tie(b.pos.line, b.pos.column);
     });
     return errors;
+}
+
+void cPipelineBuilder::report(const QList<cGraphError>& i_errors)
+{
+    for (const cGraphError& found : i_errors)
+        m_errors.append(locate(found));
 }
 
 cDiagnostic cPipelineBuilder::locate(const cGraphError& i_error) const
@@ -329,6 +340,5 @@ void cPipelineBuilder::checkStations()
     for (cStation* station : stations)
         if (auto* own = dynamic_cast<cHostStation*>(station); own && !dynamic_cast<cFrameSource*>(station))
             problems += own->checkParams();
-    for (const cGraphError& problem : qAsConst(problems))
-        m_errors.append(locate(problem));
+    report(problems);
 }

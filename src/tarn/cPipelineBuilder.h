@@ -24,13 +24,15 @@ public:
 
     /** The most frames that each source makes; 0: no limit. Before `build`. */
     void setLimit(qint64 i_frames) { m_limit = i_frames; }
-    /** Builds into the graph, which is empty before. @return whether it can be launched */
+    /** Builds into the graph, which is empty before, and checks it. @return whether it can be launched */
     bool build(const cPipeline& i_pipeline);
+    /** The first half of it: stations, parameters and links, of which none is asked whether it can work. */
+    bool assemble(const cPipeline& i_pipeline);
     /** In the order of the text. */
     QList<cDiagnostic> getErrors() const;
 
-    /** An error of the graph with the place in the text that it is about. */
-    cDiagnostic locate(const cGraphError& i_error) const;
+    /** Adds errors that were found in the graph later, each with the place in the text that it is about. */
+    void report(const QList<cGraphError>& i_errors);
 
 private:
     struct Scope {
@@ -60,6 +62,7 @@ private:
     QString resolve(const cWord& i_word);
     void error(const cSourcePos& i_pos, const QString& i_message, const QString& i_help = QString());
     void error(const cSourcePos& i_pos, const cGraphError& i_error);
+    cDiagnostic locate(const cGraphError& i_error) const;
 
     cGraph& m_graph;
     const QMap<QString, QString> m_variables;

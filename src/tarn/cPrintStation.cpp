@@ -151,6 +151,8 @@ QList<cGraphError> cPrintStation::checkFile() const
     return {};
 }
 
+void cPrintStation::rehearse(cHostStation&, qint64) { m_rehearses = true; }
+
 void cPrintStation::start(StartReasons i_reason)
 {
     {
@@ -170,6 +172,8 @@ void cPrintStation::start(StartReasons i_reason)
 
 void cPrintStation::openFile()
 {
+    if (m_rehearses)
+        return;
     if (printsToOutput()) {
         m_file.open(stdout, QIODevice::WriteOnly);
         return;
@@ -194,6 +198,8 @@ void cPrintStation::stop()
 
 void cPrintStation::take(cPrintPort& io_port, cBuffer& i_buffer)
 {
+    if (m_rehearses)
+        return;
     const qint64 stamp = i_buffer.getStamp().getStamp();
     QByteArray line = "{\"stamp\":" + QByteArray::number(stamp);
     const QString file = host::nameGivingFile(io_port.sources, stamp);

@@ -33,6 +33,8 @@ public:
 
     cIPortBase* openInput(const cOPortBase& i_sender) override;
     QList<cGraphError> checkParams() override;
+    /** Nothing is written. */
+    void rehearse(cHostStation& io_like, qint64 i_stamp) override;
     QString getExample() const override;
     void start(StartReasons i_reason) override;
     /** Writes what has arrived and waits for others. */
@@ -54,6 +56,7 @@ private:
     QList<cGraphError> checkFile() const;
 
     QString m_path;
+    bool m_rehearses = false;
     std::vector<cPrintPort*> m_ports; ///< in the order of the links; not changed while the graph runs
 
     QMutex m_mutex; ///< guards what follows, and the state of the ports

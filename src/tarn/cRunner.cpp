@@ -196,6 +196,7 @@ void cRunner::report(qint64 i_milliseconds, const QList<cPortFates>& i_fates)
     if (m_options.stats || (host::isAnyUnused(i_fates) && !m_options.quiet))
         m_console.writeLine(host::fateTable(i_fates, m_options.stats));
     reportRefused(i_fates);
+    reportCutParams();
     if (m_options.stats)
         reportTimes();
     if (!m_failures.isEmpty()) {
@@ -231,6 +232,20 @@ void cRunner::reportRefused(const QList<cPortFates>& i_fates)
                                     .arg(port.node, port.port)
                                     .arg(port.fates.refused)
                                     .arg(host::describeValues(*input)));
+    }
+}
+
+void cRunner::reportCutParams()
+{
+    const auto stations = m_graph.getStations();
+    for (const cStation* station : stations) {
+        const auto misfits = station->getMisfits();
+        for (const cGraphError& misfit : misfits) {
+            // Ports have refused what does not fit them, and steps have failed: both are told already.
+            const QString key = misfit.place.mid(station->getPathName().size() + 1);
+            if (!key.isEmpty() && !station->getInport(key))
+                m_console.writeLine(QStringLiteral("warning: ") + misfit.toString());
+        }
     }
 }
 

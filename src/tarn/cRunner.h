@@ -57,6 +57,8 @@ private:
     void report(qint64 i_milliseconds, const QList<cPortFates>& i_fates);
     /** What ports that refused frames would have taken. */
     void reportRefused(const QList<cPortFates>& i_fates);
+    /** Parameters whose values acted as others, on images that cannot hold them. */
+    void reportCutParams();
     void reportTimes();
     bool isSomethingLost(const QList<cPortFates>& i_fates) const;
     qint64 getDone() const;

@@ -120,6 +120,8 @@ QList<cGraphError> cSaveStation::checkParams()
     return {};
 }
 
+void cSaveStation::rehearse(cHostStation&, qint64) { m_rehearses = true; }
+
 void cSaveStation::start(StartReasons i_reason)
 {
     const QString error = m_name.set(m_path);
@@ -150,6 +152,14 @@ void cSaveStation::process(cBufferT<cImg>* i_buffer)
     const cImg image = i_buffer->getValue();
     if (!image.isValid()) {
         cStepScope::noteIgnored();
+        return;
+    }
+    if (m_rehearses) {
+        const QString problem = host::whyNotHeld(m_path, image);
+        if (!problem.isEmpty())
+            cStepScope::noteMisfit({QStringLiteral("path"), problem,
+                QStringLiteral(
+                    "name a file of one of these formats, or let images of another type come in")});
         return;
     }
     const cOutputName::Frame frame = describe(image, *i_buffer);

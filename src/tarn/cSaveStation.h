@@ -22,6 +22,8 @@ public:
     static cStationInfo getWords();
 
     QList<cGraphError> checkParams() override;
+    /** Nothing is written; a pixel type that the format cannot hold is a misfit. */
+    void rehearse(cHostStation& io_like, qint64 i_stamp) override;
     void start(StartReasons i_reason) override;
 
     /** Files written since the start. Any thread. */
@@ -34,6 +36,7 @@ private:
     QString m_path;
     cPortGroup<cImg> m_group;
 
+    bool m_rehearses = false;
     cOutputName m_name;
     QList<cFrameSource*> m_sources; ///< not changed while the graph runs
     qint64 m_arrived = 0;

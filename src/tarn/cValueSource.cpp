@@ -43,6 +43,14 @@ QList<cGraphError> cValueSource::checkParams()
     return {{getPathName() + u'.' + param, problem, {}}};
 }
 
+void cValueSource::rehearse(cHostStation& io_like, qint64)
+{
+    const auto& like = dynamic_cast<const cValueSource&>(io_like);
+    for (std::size_t i = 0; i < m_outputs.size(); ++i)
+        if (!like.m_outputs[i].values.empty())
+            m_outputs[i].values = {like.m_outputs[i].values.front()};
+}
+
 qint64 cValueSource::countFrames() const
 {
     qint64 frames = 0;

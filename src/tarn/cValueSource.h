@@ -16,6 +16,8 @@ public:
     cOPortBase* openOutput(const cIPortBase& i_receiver) override;
     /** Makes the values of each output. Refuses a station that is linked with nothing. */
     QList<cGraphError> checkParams() override;
+    /** Keeps the first value. */
+    void rehearse(cHostStation& io_like, qint64 i_stamp) override;
     /** No value has this stamp or a later one; 0: no limit. Before the graph starts. */
     void setLimit(qint64 i_frames) { m_limit = i_frames; }
 

@@ -71,6 +71,15 @@ QString cValuesStation::makeValues(QString& o_param)
     return {};
 }
 
+void cValuesStation::rehearse(cHostStation& io_like, qint64 i_stamp)
+{
+    cValueSource::rehearse(io_like, i_stamp);
+    const auto& like = dynamic_cast<const cValuesStation&>(io_like);
+    // A value that no frame will meet is none.
+    if (!like.m_stamps.empty() && like.m_stamps.front() < like.countFrames())
+        m_stamps = {0};
+}
+
 void cValuesStation::start(StartReasons i_reason)
 {
     m_frames = -1;

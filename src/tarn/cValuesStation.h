@@ -19,6 +19,7 @@ public:
     static cStationInfo getWords();
     QString getExample() const override;
     void start(StartReasons i_reason) override;
+    void rehearse(cHostStation& io_like, qint64 i_stamp) override;
 
     const QString& getPath() const { return m_path; }
 

@@ -15,6 +15,7 @@ struct Command {
 };
 constexpr Command s_commands[] = {
     {"run", "run a graph, from a file or given in one line", &runCommand},
+    {"check", "tell what keeps a graph from working, without running it", &checkCommand},
     {"convert", "files into other formats and pixel types", &convertCommand},
     {"list", "the stations there are, one in a line", &listCommand},
     {"inspect", "everything about a station", &inspectCommand},

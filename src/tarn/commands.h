@@ -16,6 +16,7 @@ EExit runTarn(const QStringList& i_words);
 
 /** One command each; the words after its name. */
 EExit runCommand(const QStringList& i_words);
+EExit checkCommand(const QStringList& i_words);
 EExit convertCommand(const QStringList& i_words);
 EExit listCommand(const QStringList& i_words);
 EExit inspectCommand(const QStringList& i_words);

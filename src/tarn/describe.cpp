@@ -12,27 +12,13 @@
 #include <tarnimg/cIPortImg.h>
 #include <tarnimg/cOPortImg.h>
 
-#include <QMetaEnum>
-
 namespace host {
 namespace {
 
 QString describeImages(const cSupportedImages& i_images)
 {
-    QStringList kinds;
-    const auto meta = QMetaEnum::fromType<cImgType::ImageTypes>();
-    for (const auto& [type, channels] : i_images.getList()) {
-        QString kind = QString::fromLatin1(meta.valueToKey(type));
-        const bool fixed = type == cImgType::RGB24 || type == cImgType::RGB32 || type >= cImgType::Gradient16;
-        if (!fixed && channels > 0)
-            kind += QStringLiteral(" of %1 channel%2")
-                        .arg(channels)
-                        .arg(channels == 1 ? QString() : QStringLiteral("s"));
-        kinds.append(kind);
-    }
-    kinds.removeDuplicates();
-    return kinds.isEmpty() ? QStringLiteral("image of any type")
-                           : QStringLiteral("image: ") + kinds.join(QStringLiteral(", "));
+    const QString kinds = i_images.toText();
+    return kinds.isEmpty() ? QStringLiteral("image of any type") : QStringLiteral("image: ") + kinds;
 }
 
 /** What people call the values of a port that carries no images. */

@@ -4,6 +4,7 @@
 #include <QString>
 #include <QtGlobal>
 #include <tarnflow/cGraphError.h>
+#include <tarnimg/cImg.h>
 
 class cDfpNode;
 
@@ -17,6 +18,13 @@ public:
      * here, not at the first frame. Called from the thread that builds the graph.
      */
     virtual QList<cGraphError> checkParams() = 0;
+    /**
+     * Makes the station part of a rehearsal, see cRehearsal: whatever it would read comes from its like in
+     * the graph that is to run, and whatever leaves the graph is swallowed. A source gives one frame, with
+     * the stamp 0: what its like has for i_stamp. Called once, when all links are made and in place of
+     * `checkParams`.
+     */
+    virtual void rehearse(cHostStation& io_like, qint64 i_stamp) = 0;
     /** A graph in which the station can be tried; empty if its ports say it all. */
     virtual QString getExample() const { return {}; }
 };
@@ -36,6 +44,11 @@ public:
     virtual qint64 getTotal() const = 0;
     /** Frames that are done, those that failed among them. */
     virtual qint64 getDone() const = 0;
+    /**
+     * The image of a frame before the graph starts, invalid if it cannot be read. It is kept for the run, so
+     * that no file is read twice.
+     */
+    virtual cImg readAhead(qint64 i_stamp) = 0;
     /** Ends after so many frames; 0: no limit. Before the graph starts. */
     virtual void setLimit(qint64 i_frames) = 0;
 };

@@ -1,12 +1,9 @@
 #include "cConsole.h"
+#include "cGraphInput.h"
 #include "cOptions.h"
-#include "cPipelineBuilder.h"
 #include "cRunner.h"
 #include "commands.h"
 
-#include <QFile>
-#include <QMap>
-#include <QRegularExpression>
 #include <atomic>
 #include <csignal>
 #include <tarnbase/cTracerManager.h>
@@ -20,23 +17,18 @@ const QString s_name = QStringLiteral("run");
 
 cOptions makeOptions()
 {
-    return cOptions({
-        {QStringLiteral("-e"), QStringLiteral("TEXT"),
-            QStringLiteral("the graph itself; several are read as lines")},
-        {QStringLiteral("-D"), QStringLiteral("KEY=VALUE"),
-            QStringLiteral("the value of ${KEY} in the graph")},
-        {QStringLiteral("--limit"), QStringLiteral("N"),
-            QStringLiteral("the most frames that each source reads")},
-        {QStringLiteral("--on-error"), QStringLiteral("skip|stop"),
-            QStringLiteral("after a frame has failed: go on (the default), or read no more")},
-        {QStringLiteral("--stats"), QString(),
-            QStringLiteral("what became of all frames, and the times of the stations")},
-        {QStringLiteral("--quiet"), QString(), QStringLiteral("no progress, no summary: failures only"),
-            QStringLiteral("-q")},
-        {QStringLiteral("--verbose"), QString(), QStringLiteral("failures as they happen, and the trace"),
-            QStringLiteral("-v")},
-        {QStringLiteral("--help"), QString(), QStringLiteral("this text"), QStringLiteral("-h")},
-    });
+    return cOptions(cGraphInput::options()
+        + QList<cOptions::Spec> {
+            {QStringLiteral("--on-error"), QStringLiteral("skip|stop"),
+                QStringLiteral("after a frame has failed: go on (the default), or read no more")},
+            {QStringLiteral("--stats"), QString(),
+                QStringLiteral("what became of all frames, and the times of the stations")},
+            {QStringLiteral("--quiet"), QString(), QStringLiteral("no progress, no summary: failures only"),
+                QStringLiteral("-q")},
+            {QStringLiteral("--verbose"), QString(), QStringLiteral("failures as they happen, and the trace"),
+                QStringLiteral("-v")},
+            {QStringLiteral("--help"), QString(), QStringLiteral("this text"), QStringLiteral("-h")},
+        });
 }
 
 QString usage(const cOptions& i_options)
@@ -109,59 +101,6 @@ private:
     int m_listener = -1;
 };
 
-/** The graph's text and what messages call it, or what is wrong. */
-struct Source {
-    QString text;
-    QString name;
-    QString error;
-};
-
-Source readSource(const cOptions& i_options)
-{
-    const QStringList lines = i_options.getAll(QStringLiteral("-e"));
-    const QStringList& files = i_options.getRest();
-    if (!lines.isEmpty()) {
-        if (!files.isEmpty())
-            return {{}, {},
-                QStringLiteral("a graph is given by -e, and there is '%1' besides\n").arg(files.first())
-                    + QStringLiteral("quote the whole graph: -e 'files in/*.png ! ...'")};
-        return {lines.join(u'\n'), QStringLiteral("-e"), {}};
-    }
-    if (files.size() != 1)
-        return {{}, {},
-            files.isEmpty()
-                ? QStringLiteral("no graph, expected a file or -e 'text'\n'tarn run --help' tells more")
-                : QStringLiteral("expected one graph file, found %1").arg(files.size())};
-    QFile file(files.first());
-    if (!file.open(QIODevice::ReadOnly))
-        return {{}, {}, QStringLiteral("%1: %2").arg(files.first(), file.errorString())};
-    constexpr qint64 most = 16 << 20;
-    const QByteArray bytes = file.read(most + 1);
-    if (bytes.size() > most)
-        return {{}, {}, QStringLiteral("%1: a graph is a text of 16 MiB at the most").arg(files.first())};
-    return {QString::fromUtf8(bytes), files.first(), {}};
-}
-
-QString readVariables(const QStringList& i_definitions, QMap<QString, QString>& o_variables)
-{
-    static const QRegularExpression s_key(QStringLiteral("^[A-Za-z_][A-Za-z0-9_]*$"));
-    for (const QString& definition : i_definitions) {
-        const int sign = definition.indexOf(u'=');
-        if (sign < 0 || !s_key.match(definition.left(sign)).hasMatch())
-            return QStringLiteral("-D expects KEY=VALUE, found '%1'").arg(definition);
-        o_variables.insert(definition.left(sign), definition.mid(sign + 1));
-    }
-    return {};
-}
-
-/** Writes all errors, each with its place. */
-EExit refuseGraph(cConsole& io_console, const QList<cDiagnostic>& i_errors)
-{
-    for (const cDiagnostic& error : i_errors)
-        io_console.writeLine(error.toString());
-    return EExit::BadUsage;
-}
-
 } // namespace
 
 EExit runCommand(const QStringList& i_words)
@@ -174,8 +113,8 @@ EExit runCommand(const QStringList& i_words)
         print(usage(options));
         return EExit::Good;
     }
-    QMap<QString, QString> variables;
-    problem = readVariables(options.getAll(QStringLiteral("-D")), variables);
+    cGraphInput input;
+    problem = input.read(options, s_name);
     if (!problem.isEmpty())
         return refuse(s_name, problem);
     cRunOptions chosen;
@@ -188,29 +127,11 @@ EExit runCommand(const QStringList& i_words)
         if (!chosen.stopOnError && word != QLatin1String("skip"))
             return refuse(s_name, QStringLiteral("--on-error expects skip or stop, found '%1'").arg(word));
     }
-    qint64 limit = 0;
-    if (options.has(QStringLiteral("--limit"))) {
-        bool good = false;
-        limit = options.get(QStringLiteral("--limit")).toLongLong(&good);
-        if (!good || limit < 1)
-            return refuse(s_name,
-                QStringLiteral("--limit expects a number above 0, found '%1'")
-                    .arg(options.get(QStringLiteral("--limit"))));
-    }
-    const Source source = readSource(options);
-    if (!source.error.isEmpty())
-        return refuse(s_name, source.error);
-
     cConsole console(stderr, isatty(STDERR_FILENO));
     const cTraceScope trace(console, chosen.verbose);
-    const cParsedPipeline parsed = parsePipeline(source.text, source.name);
-    if (!parsed.errors.isEmpty())
-        return refuseGraph(console, parsed.errors);
     cGraph graph;
-    cPipelineBuilder builder(graph, variables);
-    builder.setLimit(limit);
-    if (!builder.build(parsed.pipeline))
-        return refuseGraph(console, builder.getErrors());
+    if (!input.build(graph, console))
+        return EExit::BadUsage;
     cRunner runner(graph, chosen, console);
     const cInterruptScope interrupts;
     return runner.run([] { return s_interrupts.load(); });

@@ -108,7 +108,7 @@ void cPortGroupBase::runStep(cFates& io_seen)
 
 void cPortGroupBase::runWatched(cFates& io_seen, const std::function<void()>& i_call)
 {
-    const cStepScope scope;
+    const cStepScope scope(m_station);
     ++io_seen.failed; // until the call has returned
     m_watch.start();
     i_call();

@@ -8,6 +8,8 @@
 #include <tarnflow/cOPortBase.h>
 #include <tarnflow/cPortGroupBase.h>
 
+#include <algorithm>
+
 cStation::cStation() : cStation(QString()) {}
 
 cStation::cStation(const QString& i_name)
@@ -45,6 +47,10 @@ void cStation::enableChanged(bool) {}
 void cStation::start(StartReasons)
 {
     revive();
+    {
+        const QMutexLocker lock(&m_misfitMutex);
+        m_misfits.clear();
+    }
     // What came while the station stood still belongs to no run.
     for (cPortGroupBase* group : getPortGroups())
         group->reset();
@@ -101,6 +107,27 @@ void cStation::reportError(const cError& i_error)
             // A listener's own trouble.
         }
     }
+}
+
+void cStation::noteMisfit(const cGraphError& i_misfit)
+{
+    const QMutexLocker lock(&m_misfitMutex);
+    const auto isSame = [&](const cGraphError& known) { return known.place == i_misfit.place; };
+    if (std::none_of(m_misfits.cbegin(), m_misfits.cend(), isSame))
+        m_misfits.append(i_misfit);
+}
+
+QList<cGraphError> cStation::getMisfits() const
+{
+    QList<cGraphError> misfits;
+    {
+        const QMutexLocker lock(&m_misfitMutex);
+        misfits = m_misfits;
+    }
+    const QString path = getPathName();
+    for (cGraphError& misfit : misfits)
+        misfit.place = misfit.place.isEmpty() ? path : path + QLatin1Char('.') + misfit.place;
+    return misfits;
 }
 
 void cStation::setManual(bool i_manual) { m_thread->setManual(i_manual); }

@@ -1,5 +1,7 @@
 #include <tarnflow/cStepScope.h>
 
+#include <tarnflow/cStation.h>
+
 namespace {
 thread_local cStepScope* s_current = nullptr;
 } // namespace
@@ -8,7 +10,7 @@ cStepScope::Suspension::Suspension() : m_suspended(s_current) { s_current = null
 
 cStepScope::Suspension::~Suspension() { s_current = m_suspended; }
 
-cStepScope::cStepScope() : m_outer(s_current) { s_current = this; }
+cStepScope::cStepScope(cStation* i_station) : m_outer(s_current), m_station(i_station) { s_current = this; }
 
 cStepScope::~cStepScope() { s_current = m_outer; }
 
@@ -48,4 +50,10 @@ void cStepScope::noteIgnored()
 {
     if (s_current)
         s_current->m_ignored = true;
+}
+
+void cStepScope::noteMisfit(const cGraphError& i_misfit)
+{
+    if (s_current && s_current->m_station)
+        s_current->m_station->noteMisfit(i_misfit);
 }

@@ -392,6 +392,42 @@ TEST(cThreadWatch, MeasuresTheTimeOfItsThread)
     EXPECT_LT(watch.elapsed() - before, 20000000);
 }
 
+// --- misfits ---
+
+TEST(cStation, KeepsTheFirstMisfitOfEachPlaceUntilTheNextStart)
+{
+    cGraph graph;
+    auto* station = new cStation(QStringLiteral("s"));
+    ASSERT_TRUE(graph.addNode(station));
+    const auto note = [&](const char* i_place, const char* i_message) {
+        station->noteMisfit({QString::fromLatin1(i_place), QString::fromLatin1(i_message), {}});
+    };
+    note("img", "first");
+    note("", "itself");
+    note("img", "second");
+    QStringList texts;
+    for (const cGraphError& misfit : station->getMisfits())
+        texts.append(misfit.toString());
+    EXPECT_EQ(texts, (QStringList {QStringLiteral("s.img: first"), QStringLiteral("s: itself")}));
+    station->start(EStartReason::Start);
+    EXPECT_TRUE(station->getMisfits().isEmpty());
+    station->stop();
+}
+
+TEST(cStepScope, GivesAMisfitToTheStationWhoseStepItIs)
+{
+    cStation station(QStringLiteral("s"));
+    cStepScope::noteMisfit({QStringLiteral("a"), QStringLiteral("no step"), {}});
+    {
+        const cStepScope scope(&station);
+        cStepScope::noteMisfit({QStringLiteral("b"), QStringLiteral("its step"), {}});
+        const cStepScope::Suspension suspension;
+        cStepScope::noteMisfit({QStringLiteral("c"), QStringLiteral("of a receiver"), {}});
+    }
+    ASSERT_EQ(station.getMisfits().size(), 1);
+    EXPECT_EQ(station.getMisfits().first().message, QStringLiteral("its step"));
+}
+
 TEST(cStation, SaysWhatItIs)
 {
     cStation station(QStringLiteral("s"));

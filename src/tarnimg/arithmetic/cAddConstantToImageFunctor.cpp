@@ -27,12 +27,14 @@ cAddConstantToImageFunctor::cAddConstantToImageFunctor() { addSupportedInputs(s_
 
 cImg cAddConstantToImageFunctor::operator()(const cImg& i_image) const
 {
-    return frame::withConstants(*this, s_variants, i_image, {{double(m_constant)}}, s_operator);
+    return frame::withConstants(
+        *this, s_variants, i_image, frame::constantOf(double(m_constant)), s_operator);
 }
 
 void cAddConstantToImageFunctor::operator()(cImg& io_image) const
 {
-    frame::withConstantsInPlace(*this, s_variants, io_image, {{double(m_constant)}}, s_operator);
+    frame::withConstantsInPlace(
+        *this, s_variants, io_image, frame::constantOf(double(m_constant)), s_operator);
 }
 
 void cAddConstantToImageFunctor::refreshParams(cObj* i_params)

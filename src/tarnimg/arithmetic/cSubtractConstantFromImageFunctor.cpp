@@ -30,12 +30,12 @@ cSubtractConstantFromImageFunctor::cSubtractConstantFromImageFunctor() { addSupp
 
 cImg cSubtractConstantFromImageFunctor::operator()(const cImg& i_image) const
 {
-    return frame::withConstants(*this, s_variants, i_image, {{m_constant}}, s_operator);
+    return frame::withConstants(*this, s_variants, i_image, frame::constantOf(m_constant), s_operator);
 }
 
 void cSubtractConstantFromImageFunctor::operator()(cImg& io_image) const
 {
-    frame::withConstantsInPlace(*this, s_variants, io_image, {{m_constant}}, s_operator);
+    frame::withConstantsInPlace(*this, s_variants, io_image, frame::constantOf(m_constant), s_operator);
 }
 
 void cSubtractConstantFromImageFunctor::refreshParams(cObj* i_params)

@@ -21,12 +21,13 @@ int scaleSearch(double i_constant, int i_bits)
 frame::PixelConstants scaledConstant(double i_constant, int i_bits)
 {
     const int scale = scaleSearch(i_constant, i_bits);
-    return {{i_constant * std::pow(2.0, scale)}, scale};
+    return {{i_constant * std::pow(2.0, scale)}, scale, {"constant"}};
 }
 
 frame::PixelConstants scaledConstants(double i_red, double i_green, double i_blue)
 {
     const int scale = std::max({scaleSearch(i_red, 8), scaleSearch(i_green, 8), scaleSearch(i_blue, 8)});
     const double unit = std::pow(2.0, scale);
-    return {{i_red * unit, i_green * unit, i_blue * unit, unit}, scale};
+    return {{i_red * unit, i_green * unit, i_blue * unit, unit}, scale,
+        {"constantRed", "constantGreen", "constantBlue"}};
 }

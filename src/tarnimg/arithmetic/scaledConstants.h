@@ -11,13 +11,13 @@
  */
 int scaleSearch(double i_constant, int i_bits);
 
-/** A factor for integer pixels: constant * 2^s with the scale factor s. */
+/** The parameter "constant" as a factor for integer pixels: constant * 2^s with the scale factor s. */
 frame::PixelConstants scaledConstant(double i_constant, int i_bits);
 
 /**
- * Factors for three channels of 8 bits, all with the greatest scale factor that one of them needs, and for a
- * fourth channel 2^s, which comes to 1. The pixel layer takes them as bytes: from s = 8 on the fourth, and
- * any other that exceeds 8 bits, is cut.
+ * The parameters "constantRed", "constantGreen" and "constantBlue" as factors for three channels of 8 bits,
+ * all with the greatest scale factor that one of them needs, and for a fourth channel 2^s, which comes to 1.
+ * The pixel layer takes them as bytes: from s = 8 on the fourth, and any other that exceeds 8 bits, is cut.
  */
 frame::PixelConstants scaledConstants(double i_red, double i_green, double i_blue);
 

@@ -1,6 +1,6 @@
 #include <tarnimg/colour/cColorKeyFunctor.h>
 
-#include "frame/functorFrame.h"
+#include "frame/ippConstants.h"
 #include "frame/ippImages.h"
 
 #include <customipp/customipp.h>
@@ -26,7 +26,8 @@ struct Keyed<Function> {
     {
         T* result = frame::pixels<T>(io_result);
         return Function(frame::pixels<T>(i_a), frame::stepOf(i_a), frame::pixels<T>(i_b), frame::stepOf(i_b),
-            result, frame::stepOf(io_result), frame::sizeOf(i_a), T(i_keys.grey));
+            result, frame::stepOf(io_result), frame::sizeOf(i_a),
+            frame::pixelConstant<T>("colorKeyGray", double(i_keys.grey)));
     }
 };
 

@@ -2,6 +2,7 @@
 #include <tarnimg/imagePortGroups.h>
 
 #include <tarnbase/cTracer.h>
+#include <tarnflow/cStation.h>
 
 template class cBufferT<cImg>;
 template class cIPortT<cImg>;
@@ -63,6 +64,11 @@ bool cIPort<cImg>::checkDynamicData(const cImg& i_image)
         return true;
     cTracer::cerr << getPortPath() << " does not support images of type: " << i_image.getImgType().getName()
                   << " with " << i_image.getNumChannels() << " channels." << cTracer::end();
+    if (auto* station = dynamic_cast<cStation*>(getNode()))
+        station->noteMisfit({getName(),
+            QStringLiteral("does not take the images that reach it, expected %1, found %2")
+                .arg(m_supported.toText(), cSupportedImages::describe(i_image)),
+            {}});
     return false;
 }
 

@@ -6,6 +6,8 @@
 #include <customipp/customipp.h>
 #include <stdexcept>
 #include <tarnbase/cDataValObj.h>
+#include <tarnflow/cGraphError.h>
+#include <tarnflow/cStepScope.h>
 #include <tarnimg/checkIPPStatus.h>
 
 namespace frame {
@@ -32,9 +34,33 @@ void failBecause(const char* i_reason, const char* i_operator)
 
 void failUnsupported(const cImg& i_image, const char* i_operator)
 {
+    cStepScope::noteMisfit({{},
+        QStringLiteral("does not take the images that reach it, found %1")
+            .arg(cSupportedImages::describe(i_image)),
+        {}});
     fail(message(s_unsupportedImage, i_operator)
              .arg(i_image.getImgType().getName())
              .arg(i_image.getNumChannels()));
+}
+
+void failDiffering(const char* i_message, const cImg& i_a, const cImg& i_b, const char* i_operator)
+{
+    cStepScope::noteMisfit({{},
+        QStringLiteral("the images that meet in it differ, expected one pixel type, found %1 and %2")
+            .arg(cSupportedImages::describe(i_a), cSupportedImages::describe(i_b)),
+        {}});
+    fail(i_message, i_operator);
+}
+
+void noteCut(const CutValue& i_value)
+{
+    const auto text = [](double i_number) { return QString::number(i_number, 'g', 7); };
+    cStepScope::noteMisfit({QString::fromLatin1(i_value.param),
+        QStringLiteral("does not fit into %1-bit pixels, expected a number from %2 to %3, found %4, which "
+                       "would act as %5")
+            .arg(i_value.bits)
+            .arg(text(i_value.least), text(i_value.greatest), text(i_value.found), text(i_value.actsAs)),
+        QStringLiteral("give a number of this range, or convert the images to a type that holds it")});
 }
 
 void checkInput(const cImgFunctor& i_functor, const cImg& i_image, const char* i_operator)
@@ -49,9 +75,9 @@ void checkInputs(const cImgFunctor& i_functor, const cImg& i_a, const cImg& i_b,
     if (!i_a.isValid() || !i_b.isValid())
         fail(s_invalidImage, i_operator);
     if (i_a.getImgType().getTypeId() != i_b.getImgType().getTypeId())
-        fail(s_typesMustBeEqual, i_operator);
+        failDiffering(s_typesMustBeEqual, i_a, i_b, i_operator);
     if (i_a.getNumChannels() != i_b.getNumChannels())
-        fail(s_channelsMustBeEqual, i_operator);
+        failDiffering(s_channelsMustBeEqual, i_a, i_b, i_operator);
     if (!i_a.isStructOf(i_b))
         fail(s_sizesMustBeEqual, i_operator);
     checkSupported(i_functor, i_a, i_operator);

@@ -28,6 +28,23 @@ namespace frame {
 /** Fails because of the image's type or channels. */
 [[noreturn]] void failUnsupported(const cImg& i_image, const char* i_operator);
 
+/** Fails because two images differ in type or channels, with the message that says so. */
+[[noreturn]] void failDiffering(
+    const char* i_message, const cImg& i_a, const cImg& i_b, const char* i_operator);
+
+/** A parameter's value that the pixels cannot hold: what they take, and what it acts as. */
+struct CutValue {
+    const char* param;
+    int bits; ///< of a pixel
+    double least;
+    double greatest;
+    double found;
+    double actsAs;
+};
+
+/** Notes such a value as a misfit of the step that is under way; the step goes on with what it acts as. */
+void noteCut(const CutValue& i_value);
+
 /** The image is valid, then supported. */
 void checkInput(const cImgFunctor& i_functor, const cImg& i_image, const char* i_operator);
 

@@ -5,6 +5,7 @@
 
 #include <QColor>
 #include <cmath>
+#include <limits>
 #include <type_traits>
 
 /**
@@ -17,7 +18,11 @@ namespace frame {
 struct PixelConstants {
     double values[4] = {}; ///< one for each channel
     int scaleFactor = 0; ///< an integer result is divided by 2 to this power; may be negative
+    const char* params[4] = {}; ///< the parameter that each comes from; null for none
 };
+
+/** The parameter "constant" of images with one channel. */
+inline PixelConstants constantOf(double i_constant) { return {{i_constant}, 0, {"constant"}}; }
 
 /** The three colours, and a 0 for the fourth channel. */
 inline PixelConstants constantsOf(const QColor& i_colour)
@@ -37,20 +42,42 @@ template <class T> T pixelConstant(double i_value)
         return std::isfinite(i_value) ? T(qint64(std::fmod(i_value, 4294967296.0))) : T(0);
 }
 
+/**
+ * The same for the value of a parameter, here multiplied by i_unit: one that is cut is noted as a misfit. A
+ * fraction that is lost is none.
+ */
+template <class T> T pixelConstant(const char* i_param, double i_value, double i_unit = 1)
+{
+    const T pixel = pixelConstant<T>(i_value);
+    if constexpr (!std::is_floating_point_v<T>) {
+        using Limits = std::numeric_limits<T>;
+        if (double(pixel) != std::trunc(i_value))
+            noteCut({i_param, int(8 * sizeof(T)), double(Limits::min()) / i_unit,
+                double(Limits::max()) / i_unit, i_value / i_unit, double(pixel) / i_unit});
+    }
+    return pixel;
+}
+
+/** One of the constants that a pixel function gets. */
+template <class T> T pixelConstant(const PixelConstants& i_constants, int i_channel)
+{
+    const double value = i_constants.values[i_channel];
+    const char* const param = i_constants.params[i_channel];
+    return param ? pixelConstant<T>(param, value, std::exp2(std::abs(i_constants.scaleFactor)))
+                 : pixelConstant<T>(value);
+}
+
 /** The constant argument of a pixel function: a pixel value, or an array with one for each channel. */
 template <class T> struct ConstantArgument {
     T value;
-    explicit ConstantArgument(const PixelConstants& i_constants)
-        : value(pixelConstant<T>(i_constants.values[0]))
-    {
-    }
+    explicit ConstantArgument(const PixelConstants& i_constants) : value(pixelConstant<T>(i_constants, 0)) {}
     operator T() const { return value; }
 };
 template <class T> struct ConstantArgument<const T*> {
     T values[4];
     explicit ConstantArgument(const PixelConstants& i_constants)
-        : values {pixelConstant<T>(i_constants.values[0]), pixelConstant<T>(i_constants.values[1]),
-            pixelConstant<T>(i_constants.values[2]), pixelConstant<T>(i_constants.values[3])}
+        : values {pixelConstant<T>(i_constants, 0), pixelConstant<T>(i_constants, 1),
+            pixelConstant<T>(i_constants, 2), pixelConstant<T>(i_constants, 3)}
     {
     }
     operator const T*() const { return values; }

@@ -16,7 +16,8 @@ template <class T, IppStatus (*Function)(const T*, int, IppiSize, int*, T, T)> s
     static IppStatus call(const cImg& i_image, float i_lower, float i_upper, int* o_count)
     {
         return Function(frame::pixels<T>(i_image), frame::stepOf(i_image), frame::sizeOf(i_image), o_count,
-            frame::pixelConstant<T>(double(i_lower)), frame::pixelConstant<T>(double(i_upper)));
+            frame::pixelConstant<T>("lowerBound", double(i_lower)),
+            frame::pixelConstant<T>("upperBound", double(i_upper)));
     }
 };
 

@@ -40,7 +40,7 @@ struct Peaks<Query, Find> {
         // Without values, so that a long list costs what is found.
         const std::unique_ptr<IppiPoint[]> found(new IppiPoint[std::size_t(i_search.capacity)]);
         const IppStatus status = Find(frame::pixels<T>(i_image), frame::stepOf(i_image), size,
-            frame::pixelConstant<T>(i_search.threshold), found.get(), i_search.capacity, &count,
+            frame::pixelConstant<T>("threshold", i_search.threshold), found.get(), i_search.capacity, &count,
             i_search.norm, i_search.border, buffer.get());
         o_peaks.reserve(count);
         for (int i = 0; i < count; ++i)

@@ -32,7 +32,7 @@ struct Integral<Function> {
     {
         D* result = frame::pixels<D>(io_result);
         return Function(frame::pixels<S>(i_image), frame::stepOf(i_image), result, frame::stepOf(io_result),
-            frame::sizeOf(i_image), frame::pixelConstant<D>(double(i_offset)));
+            frame::sizeOf(i_image), frame::pixelConstant<D>("offset", double(i_offset)));
     }
 };
 

@@ -50,7 +50,7 @@ cImg cRectStdDevFunctor::operator()(const cImg& i_integral, const cImg& i_sqrInt
     if (!i_sqrIntegral.isKindOf(cImgType::Float64))
         frame::failUnsupported(i_sqrIntegral, s_operator);
     if (i_integral.getNumChannels() != i_sqrIntegral.getNumChannels())
-        frame::fail(frame::s_channelsMustBeEqual, s_operator);
+        frame::failDiffering(frame::s_channelsMustBeEqual, i_integral, i_sqrIntegral, s_operator);
     if (i_integral.getWidth() != i_sqrIntegral.getWidth()
         || i_integral.getHeight() != i_sqrIntegral.getHeight())
         frame::fail(frame::s_sizesMustBeEqual, s_operator);

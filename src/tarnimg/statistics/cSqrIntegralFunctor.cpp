@@ -24,7 +24,7 @@ struct SqrIntegral<Function> {
         Q* squares = frame::pixels<Q>(io_squares);
         return Function(frame::pixels<S>(i_image), frame::stepOf(i_image), sums, frame::stepOf(io_sums),
             squares, frame::stepOf(io_squares), frame::sizeOf(i_image),
-            frame::pixelConstant<D>(double(i_offset)), i_offsetSqr);
+            frame::pixelConstant<D>("offset", double(i_offset)), i_offsetSqr);
     }
 };
 

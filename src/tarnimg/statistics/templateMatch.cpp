@@ -48,9 +48,9 @@ cImg run(const cImgFunctor& i_functor, const Functions& i_functions, const cImg&
     frame::checkInput(i_functor, i_image, i_operator);
     frame::checkInput(i_functor, i_template, i_operator);
     if (i_image.getNumChannels() != i_template.getNumChannels())
-        fail(frame::s_channelsMustBeEqual, i_operator);
+        frame::failDiffering(frame::s_channelsMustBeEqual, i_image, i_template, i_operator);
     if (!i_image.isKindOf(i_template.getImgType().getTypeId()))
-        fail(frame::s_typesMustBeEqual, i_operator);
+        frame::failDiffering(frame::s_typesMustBeEqual, i_image, i_template, i_operator);
     const Mode* mode = findMode(i_mode);
     const bool isSmaller
         = i_image.getWidth() < i_template.getWidth() || i_image.getHeight() < i_template.getHeight();

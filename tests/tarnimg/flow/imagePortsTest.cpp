@@ -80,6 +80,22 @@ TEST(imagePortsTest, AWrongImageIsGivenBackWithALine)
         QStringList {QStringLiteral("plain.img does not support images of type: Float32 with 2 channels.")});
 }
 
+TEST(imagePortsTest, AWrongImageIsAMisfitOfTheStation)
+{
+    const TraceLines lines;
+    Receiver receiver;
+    receiver.takeLists();
+    receiver.port.addImageType(cImgType::UInt8, 1);
+    receiver.port.addImageType(cImgType::Float32, 0);
+    receiver.port.addImageType(cImgType::RGB24, 3);
+    receiver.port.receiveBuffer({bufferWith(receiver.pool, image(cImgType::UInt16, 3))}, nullptr, false);
+    const auto misfits = receiver.station.getMisfits();
+    ASSERT_EQ(misfits.size(), 1);
+    EXPECT_EQ(misfits.first().toString().toStdString(),
+        "plain.img: does not take the images that reach it, expected UInt8 of 1 channel, Float32, RGB24, "
+        "found UInt16 of 3 channels");
+}
+
 TEST(imagePortsTest, OnlyTheWrongImagesOfADeliveryAreGivenBack)
 {
     Receiver receiver;
