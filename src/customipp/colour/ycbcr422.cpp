@@ -27,8 +27,7 @@ struct ToPlanes {
         const hn::Half<D> dHalf;
         const auto first = hn::BitCast(d16, hn::LoadU(d, packed + 2 * x));
         const auto second = hn::BitCast(d16, hn::LoadU(d, packed + 2 * x + hn::Lanes(d)));
-        const auto low = hn::Set(d16, 0x00FF);
-        store(joinHalves(hn::And(first, low), second), d, y + x);
+        store(joinHalves(first, second), d, y + x);
         const auto chroma = joinHalves(hn::ShiftRight<8>(first), hn::ShiftRight<8>(second));
         static constexpr auto apart = unmergeOrder<hn::MaxLanes(D()), 2, 1>();
         const auto both = reorder(d, chroma, apart);

@@ -104,32 +104,38 @@ template <class D> HWY_INLINE hn::Vec<D> apartQuarters(D d, hn::Vec<D> v)
     return reorder(d, v, order);
 }
 
-/** The lower halves of the lanes of a, then those of b. The upper halves must be 0 in a; in b they do not
- * matter. */
+/** The lower halves of the lanes of a, and above them those of b. */
+template <class V> HWY_INLINE V mergeHalves(V a, V b)
+{
+    const hn::DFromV<V> d;
+    const hn::RepartitionToNarrow<decltype(d)> dn;
+    constexpr int bits = 4 * int(sizeof(hn::TFromV<V>));
+    return hn::BitCast(d, hn::OddEven(hn::BitCast(dn, hn::ShiftLeft<bits>(b)), hn::BitCast(dn, a)));
+}
+
+/** The lower halves of the lanes of a, then those of b. */
 template <class V> HWY_INLINE hn::Vec<hn::RepartitionToNarrow<hn::DFromV<V>>> joinHalves(V a, V b)
 {
     const hn::DFromV<V> d;
     const hn::RepartitionToNarrow<decltype(d)> dn;
     const hn::Repartition<uint8_t, decltype(d)> d8;
-    constexpr size_t bytes = sizeof(hn::TFromV<V>) / 2;
-    static constexpr auto order = unmergeOrder<hn::MaxLanes(d8), 2, bytes>();
-    return hn::BitCast(dn, reorder(d8, hn::BitCast(d8, hn::Or(a, hn::ShiftLeft<8 * int(bytes)>(b))), order));
+    static constexpr auto order = unmergeOrder<hn::MaxLanes(d8), 2, sizeof(hn::TFromV<V>) / 2>();
+    return hn::BitCast(dn, reorder(d8, hn::BitCast(d8, mergeHalves(a, b)), order));
 }
 
-/** The lowest quarters of the lanes of a, b, c and e, one after the other. All but those of e must be 0
- * above. */
+/** The lowest quarters of the lanes of a, b, c and e, one after the other. */
 template <class V>
 HWY_INLINE hn::Vec<hn::RepartitionToNarrow<hn::RepartitionToNarrow<hn::DFromV<V>>>> joinQuarters(
     V a, V b, V c, V e)
 {
     const hn::DFromV<V> d;
-    const hn::RepartitionToNarrow<hn::RepartitionToNarrow<decltype(d)>> dn;
+    const hn::RepartitionToNarrow<decltype(d)> dHalf;
+    const hn::RepartitionToNarrow<decltype(dHalf)> dn;
     const hn::Repartition<uint8_t, decltype(d)> d8;
-    constexpr size_t bytes = sizeof(hn::TFromV<V>) / 4;
-    constexpr int bits = 8 * int(bytes);
-    static constexpr auto order = unmergeOrder<hn::MaxLanes(d8), 4, bytes>();
-    const V merged = hn::Or(
-        hn::Or(a, hn::ShiftLeft<bits>(b)), hn::Or(hn::ShiftLeft<2 * bits>(c), hn::ShiftLeft<3 * bits>(e)));
+    static constexpr auto order = unmergeOrder<hn::MaxLanes(d8), 4, sizeof(hn::TFromV<V>) / 4>();
+    const auto lower = mergeHalves(hn::BitCast(dHalf, a), hn::BitCast(dHalf, b));
+    const auto upper = mergeHalves(hn::BitCast(dHalf, c), hn::BitCast(dHalf, e));
+    const auto merged = mergeHalves(hn::BitCast(d, lower), hn::BitCast(d, upper));
     return hn::BitCast(dn, reorder(d8, hn::BitCast(d8, merged), order));
 }
 

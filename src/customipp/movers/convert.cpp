@@ -55,7 +55,7 @@ template <int Mode> struct Round {
         const auto lowest = hn::Set(df, float(std::numeric_limits<D>::lowest()));
         v = hn::IfThenElse(hn::Gt(v, lowest), v, lowest); // NaN is not greater
         v = hn::Min(v, hn::Set(df, float(std::numeric_limits<D>::max())));
-        return integersOf<D>(hn::Add(whole(v), hn::Set(df, integerInFloat)));
+        return integersOf(hn::Add(whole(v), hn::Set(df, integerInFloat)));
     }
 
     template <class V> static HWY_INLINE V whole(V v)

@@ -54,13 +54,12 @@ template <class T, int Channels> struct Extract {
         }
     }
 
-    /** Pixels of four channels as lanes that hold the wanted channel at the bottom, and 0 above. */
+    /** Pixels of four channels as lanes that hold the wanted channel at the bottom. */
     template <class D> static HWY_INLINE auto pixels(D d, const T* from, bool last)
     {
         const hn::RepartitionToWide<hn::RepartitionToWide<D>> wide;
         const auto v = hn::BitCast(wide, hn::LoadU(d, from));
-        constexpr int bits = 8 * int(sizeof(T));
-        return last ? hn::ShiftRight<3 * bits>(v) : hn::And(v, hn::Set(wide, (1u << bits) - 1));
+        return last ? hn::ShiftRight<24 * int(sizeof(T))>(v) : v;
     }
 
     template <class D> HWY_INLINE void row(D d, size_t n) const

@@ -19,17 +19,15 @@ namespace hn = hwy::HWY_NAMESPACE;
  * (ties to even), in two's complement: the same on every processor. */
 inline constexpr float integerInFloat = 12582912.0f; // 1.5 * 2^23
 
-/** The integers in the lowest bits of such sums, as a type D; the bits above are 0. */
-template <class D, class V> HWY_INLINE auto integersOf(V sums)
+/** Such sums, as unsigned lanes. */
+template <class V> HWY_INLINE auto integersOf(V sums)
 {
-    const hn::RebindToUnsigned<hn::DFromV<V>> du;
-    return hn::And(hn::BitCast(du, sums), hn::Set(du, (1u << (8 * sizeof(D))) - 1));
+    return hn::BitCast(hn::RebindToUnsigned<hn::DFromV<V>>(), sums);
 }
 
 /**
  * A block for coverRow: two or four vectors of S to one of D. `limit` is a function object: limit.template
- * of<D>(v) gives unsigned lanes of the width of S, whose lower bits are the result and whose upper bits are
- * 0.
+ * of<D>(v) gives unsigned lanes of the width of S, whose lower bits are the result.
  */
 template <class S, class D, class Limit> struct Narrow {
     using Dst = D;
