@@ -60,6 +60,15 @@ inline cImg makeRandomImage(cImgType::ImageTypes i_type, unsigned i_width, unsig
     return image;
 }
 
+/** Leaves memory of other bytes to the next image of this type and size, so that pixels show that nobody
+ * wrote. */
+inline void soilNextImage(
+    cImgType::ImageTypes i_type, unsigned i_width, unsigned i_height, unsigned i_channels = 1)
+{
+    cImg image(i_type, i_width, i_height, i_channels);
+    std::memset(image.getData(), 0xA5, image.getFrameSize());
+}
+
 namespace imageSupport {
 
 template <class T> std::string channelsText(const unsigned char* i_pixel, unsigned i_size)

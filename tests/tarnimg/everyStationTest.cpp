@@ -124,6 +124,38 @@ TEST(everyStation, SaysWhatItIsForAndExplainsEachOfItsParameters)
     }
 }
 
+TEST(everyStation, HasAMemberOfItsOwnForEachParameter)
+{
+    const auto textsOf = [](const cMapObj& params) {
+        QStringList texts;
+        for (unsigned i = 0; i < params.getNumEntries(); ++i)
+            texts.append(params.getSubObject(i)->toText());
+        return texts;
+    };
+    for (const QString& identifier : cStation::getIdentifiers()) {
+        const std::unique_ptr<cStation> station(cStation::create(identifier));
+        const cMapObj& params = station->getParams();
+        for (unsigned i = 0; i < params.getNumEntries(); ++i) {
+            cObj* entry = params.getSubObject(i);
+            const QString key = params.getKeyOfChild(entry);
+            QStringList expected = textsOf(params);
+            // Something that the type takes, and that is not there yet.
+            QStringList candidates = entry->getChoices();
+            for (const char* text : {"7", "true", "false", "#010203", "7x9", "7,9", "1,2,3,4", "1,2;3,4"})
+                candidates.append(QString::fromLatin1(text));
+            for (const QString& text : candidates) {
+                if (entry->setFromText(text) && entry->toText() != expected[int(i)])
+                    break;
+            }
+            EXPECT_NE(entry->toText(), expected[int(i)])
+                << identifier.toStdString() << ": " << key.toStdString() << ", "
+                << entry->getTypeName().toStdString();
+            expected[int(i)] = entry->toText();
+            EXPECT_EQ(textsOf(params), expected) << identifier.toStdString() << ": " << key.toStdString();
+        }
+    }
+}
+
 TEST(everyStation, HasADelayOnEachInputOfItsGroup)
 {
     for (const QString& identifier : cStation::getIdentifiers()) {

@@ -14,6 +14,8 @@ cImg twisted(const cImg& i_image, const cMatrix<float>& i_matrix)
 {
     cColorTwistFunctor functor;
     functor.setTwist(i_matrix);
+    if (i_image.isValid())
+        soilNextImage(i_image.getImgType().getTypeId(), i_image.getWidth(), i_image.getHeight());
     return functor(i_image);
 }
 

@@ -158,6 +158,21 @@ TEST(autoRangeTest, BordersDoNotCount)
     EXPECT_EQ(display.show(image), cDblRange(65, 80));
 }
 
+TEST(autoRangeTest, EachBorderHasItsSide)
+{
+    cImg image(cImgType::UInt8, 5, 5);
+    for (unsigned y = 0; y < 5; ++y)
+        for (unsigned x = 0; x < 5; ++x)
+            image.setPixel(x, y, quint8(10 * y + x));
+    const std::pair<const char*, cDblRange> sides[] = {{"BorderLeft", {2, 44}}, {"BorderTop", {20, 44}},
+        {"BorderRight", {0, 42}}, {"BorderBottom", {0, 24}}};
+    for (const auto& [side, range] : sides) {
+        AutoRange display(cImgType::UInt8);
+        display.set(side, 2u);
+        EXPECT_EQ(display.show(image), range) << side;
+    }
+}
+
 TEST(autoRangeTest, BordersThatLeaveNothingMakeAnInvalidImage)
 {
     const std::pair<unsigned, unsigned> borders[]
@@ -320,6 +335,14 @@ TEST(autoRangeTest, FloatsAreMeasuredFromTheLeastPixel)
     EXPECT_EQ(display.show(image), cDblRange(655 * 100 / 65536.0, 64879 * 100 / 65536.0));
     EXPECT_NEAR(display.range().getLow(), 1, 0.01);
     EXPECT_NEAR(display.range().getHigh(), 99, 0.01);
+}
+
+TEST(autoRangeTest, TheDistanceOfFloatsIsAFloatItself)
+{
+    AutoRange display(cImgType::Float32);
+    display.set("Quantil", 0.25);
+    // In single precision 1e8 - 0.1 is 1e8. The pixel in the middle lies in bin 32767.
+    EXPECT_EQ(display.show(floats({0.1f, 5e7f, 1e8f})), cDblRange(0, 32767 * 1e8 / 65536));
 }
 
 TEST(autoRangeTest, OfFloatsBordersDoNotMatterAndOtherChannelCountsDoNothing)

@@ -142,6 +142,7 @@ TEST(cBlockMinMaxStationTest, BothImagesComeWithTheStampOfTheirSource)
     ASSERT_EQ(harness.outputs().size(), 2);
     EXPECT_EQ(harness.outputs().at(0).port, QStringLiteral("localMin"));
     EXPECT_EQ(harness.outputs().at(1).port, QStringLiteral("localMax"));
+    EXPECT_EQ(harness.outputs().at(0).stamp.getStamp(), 12);
     EXPECT_EQ(harness.outputs().at(1).stamp.getStamp(), 12);
     EXPECT_TRUE(samePixels(harness.values<cImg>("localMin").at(0), expected.least));
     EXPECT_TRUE(samePixels(harness.values<cImg>("localMax").at(0), expected.greatest));

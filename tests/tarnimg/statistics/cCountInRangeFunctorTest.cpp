@@ -132,10 +132,15 @@ TEST(cCountInRangeRGBFunctorTest, TheStationSendsRedGreenBlue)
     EXPECT_EQ(harness.values<int>("blueCount"), QVector<int> {1});
     EXPECT_EQ(harness.stamps("greenCount"), QList<qint64> {10});
 
-    StationHarness onlyBlue(create(), {QStringLiteral("redCount"), QStringLiteral("greenCount")});
-    onlyBlue.feed("img", colours(), 10);
-    onlyBlue.runAll();
-    EXPECT_EQ(onlyBlue.values<int>("blueCount"), QVector<int> {1});
+    const std::pair<const char*, int> counts[] = {{"redCount", 2}, {"greenCount", 3}, {"blueCount", 1}};
+    for (const auto& [wanted, count] : counts) {
+        QStringList others = ports;
+        others.removeOne(QString::fromLatin1(wanted));
+        StationHarness one(create(), others);
+        one.feed("img", colours(), 10);
+        one.runAll();
+        EXPECT_EQ(one.values<int>(wanted), QVector<int> {count});
+    }
 
     StationHarness unasked(
         create(), {QStringLiteral("redCount"), QStringLiteral("greenCount"), QStringLiteral("blueCount")});

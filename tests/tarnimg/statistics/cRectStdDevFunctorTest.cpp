@@ -87,7 +87,8 @@ TEST(cRectStdDevFunctorTest, ARectangleWithoutPixelsOrOutsideIsRefused)
     const Integrals integrals = integralsOf(makeRandomImage(cImgType::UInt8, 20, 12));
     constexpr int lowest = -2147483647 - 1;
     for (const cRect<int>& rect : {cRect<int>(0, 0, 0, 3), cRect<int>(0, 0, 3, 0), cRect<int>(-1, 0, 3, 3),
-             cRect<int>(0, -1, 3, 3), cRect<int>(lowest, lowest, lowest, lowest), cRect<int>(0, 0, -5, 3)})
+             cRect<int>(0, -1, 3, 3), cRect<int>(lowest, 0, 3, 3), cRect<int>(0, lowest, 3, 3),
+             cRect<int>(lowest, lowest, lowest, lowest), cRect<int>(0, 0, -5, 3)})
         EXPECT_EQ(messageOf([&] { deviations(integrals.sums, integrals.squares, rect); }),
             statusText(ippStsRectErr));
 }
@@ -115,6 +116,8 @@ TEST(cRectStdDevFunctorTest, TheChecksComeInTheirOrder)
     EXPECT_EQ(says(sums, cImg()),
         name + ": Unsupported image format (" + cImg().getImgType().getName().toStdString()
             + ") or channel count (" + std::to_string(cImg().getNumChannels()) + ").");
+    EXPECT_EQ(says(sums, cImg(cImgType::Float64, 0, 20)),
+        name + ": Unsupported image format (Float64) or channel count (1).");
     EXPECT_EQ(says(sums, cImg(cImgType::Float64, 3, 3, 2)), name + ": Number of channels must be equal.");
     EXPECT_EQ(says(sums, cImg(cImgType::Float64, 20, 19)), name + ": Image sizes must be equal.");
     EXPECT_EQ(says(sums, cImg(cImgType::Float64, 21, 20)), name + ": Image sizes must be equal.");
