@@ -229,6 +229,24 @@ TEST(cDataRefObj, WithoutAConverterTheValueStays)
     EXPECT_EQ(target, QSize());
 }
 
+TEST(cDataRefObj, AContainerIsRefusedEvenIfItHasAValue)
+{
+    class ValuedMap : public cMapObj {
+    public:
+        bool getAs(const std::type_info&, void* o_target) const override
+        {
+            *static_cast<int*>(o_target) = 9;
+            return true;
+        }
+    };
+    int variable = 1;
+    cDataRefObj<int> entry(variable, 0);
+    const ValuedMap map;
+    EXPECT_FALSE(entry.assign(&map));
+    EXPECT_FALSE(entry.isEqual(&map));
+    EXPECT_EQ(variable, 1);
+}
+
 TEST(cDataRefObj, AValueThatTheTypeCannotHoldIsRefused)
 {
     unsigned char variable = 9;
@@ -279,6 +297,14 @@ TEST(cDataRefObj, AFormatTurnsTheVariantIntoText)
     EXPECT_EQ(integer.toString(true), QStringLiteral("ff"));
     integer.setFormat({'g', -3, 99});
     EXPECT_EQ(integer.toString(true), QStringLiteral("73"));
+
+    cDataValObj<float> single(1.0f / 3.0f, 0);
+    single.setFormat({'f', 2, 10});
+    EXPECT_EQ(single.toString(true), QStringLiteral("0.33"));
+
+    cDataValObj<bool> truth(true, 0);
+    truth.setFormat({'f', 2, 10});
+    EXPECT_EQ(truth.toString(true), QStringLiteral("true"));
 
     cDataValObj<QString> text(QStringLiteral("7"), 0);
     text.setFormat({'f', 2, 10});

@@ -335,6 +335,15 @@ TEST(cMapObj, ABoundEntryRefusesWhatItCannotHold)
     EXPECT_EQ(variable, 3);
     EXPECT_EQ(valueOf(target, "b"), 1);
 
+    unsigned char below = 4;
+    target[key("g/c")] = new cDataRefObj<unsigned char>(below, 0);
+    cMapObj nested;
+    nested[key("g/c")] = integer(300);
+    nested[key("g/d")] = integer(5);
+    EXPECT_FALSE(target.merge(nested));
+    EXPECT_EQ(below, 4);
+    EXPECT_EQ(valueOf(target, "g/d"), 5);
+
     cMapObj group;
     group[key("a/b")] = integer(1);
     EXPECT_FALSE(target.merge(group));
@@ -353,6 +362,15 @@ TEST(cMapObj, MergesWithItselfAndItsGroups)
     EXPECT_EQ(valueOf(map, "x"), 2);
     EXPECT_FALSE(map.merge(cObj::voidObject(), {}));
     EXPECT_FALSE(map.merge(static_cast<const cObj*>(nullptr), {}));
+
+    // A group takes over what the map was before, not what it becomes meanwhile.
+    cMapObj outer;
+    outer[key("y")] = integer(2);
+    outer[key("g/x")] = integer(1);
+    EXPECT_TRUE(outer.getSubObject(key("g"))->merge(&outer, {}));
+    EXPECT_EQ(valueOf(outer, "g/y"), 2);
+    EXPECT_EQ(valueOf(outer, "g/g/x"), 1);
+    EXPECT_FALSE(outer.contains(key("g/g/y")));
 }
 
 TEST(cMapObj, TellsWhenItsListOfEntriesChanges)

@@ -63,6 +63,11 @@ TEST(cTypeConverter, IsFoundWhileItLives)
         auto first = std::make_unique<cTypeConverter<Celsius, Kelvin>>(true);
         const cTypeConverter<Celsius, Kelvin> second(true);
         EXPECT_EQ(cTypeConverterBase::getTypeConverter(typeid(Celsius), typeid(Kelvin)), first.get());
+        { // others of the pair come and go beside the first one
+            const std::unique_ptr<cTypeConverterBase> copy(first->clone());
+            const cTypeConverter<Celsius, Kelvin> third(true);
+        }
+        EXPECT_EQ(cTypeConverterBase::getTypeConverter(typeid(Celsius), typeid(Kelvin)), first.get());
         EXPECT_EQ(first->getTypeInfoSrc(), typeid(Celsius));
         EXPECT_EQ(first->getTypeInfoDst(), typeid(Kelvin));
 

@@ -43,7 +43,9 @@ TEST(functorFrameTest, AChannelCountOfZeroMeansAny)
     functor.take(cImgType::Float32, 0);
     EXPECT_TRUE(functor.isSupported(cImg(cImgType::Float32, 2, 2, 5)));
     EXPECT_FALSE(functor.isSupported(cImg(cImgType::UInt8, 2, 2, 1)));
-    EXPECT_FALSE(functor.isSupported(cImg()));
+    functor.take(cImgType::UInt8, 1);
+    EXPECT_TRUE(functor.isSupported(cImg(cImgType::UInt8, 2, 2, 1)));
+    EXPECT_FALSE(functor.isSupported(cImg())) << "of this type, but not valid";
 }
 
 TEST(functorFrameTest, CopiesTakeTheListAlong)
