@@ -13,6 +13,8 @@
 
 #include <hwy/highway.h>
 
+#include "conversion/batches-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace conversion {
 namespace HWY_NAMESPACE {
@@ -78,29 +80,16 @@ template <class Division, class T, class D>
 HWY_INLINE bool convertNumbers(D d, const Ipp32f* i_source, T* o_target, const FloatChain& i_chain)
 {
     const std::size_t lanes = hn::Lanes(d);
-    const hn::Repartition<std::uint16_t, D> d16;
-    const auto v0 = hn::LoadU(d, i_source);
-    const auto v1 = hn::LoadU(d, i_source + lanes);
-    const auto v2 = hn::LoadU(d, i_source + 2 * lanes);
-    const auto v3 = hn::LoadU(d, i_source + 3 * lanes);
-    // Infinities of both signs give NaN here too, which costs time only.
-    const auto sum = hn::Add(hn::Add(v0, v1), hn::Add(v2, v3));
-    if (HWY_UNLIKELY(!hn::AllFalse(d, hn::IsNaN(sum))))
+    if (HWY_UNLIKELY(!areNumbers(i_source, s_batch * lanes)))
         return false;
-    const auto bitsOf = [&](auto v) HWY_ATTR {
-        v = hn::Max(hn::Min(v, hn::Set(d, i_chain.high)), hn::Set(d, i_chain.low));
+    const auto bitsOf = [&](const Ipp32f* i_from) HWY_ATTR {
+        const auto notAbove = hn::Min(hn::LoadU(d, i_from), hn::Set(d, i_chain.high));
+        const auto v = hn::Max(notAbove, hn::Set(d, i_chain.low));
         // Here the unit of a float is 1: the sum is rounded, ties to even, and its low bits are the integer.
-        return hn::BitCast(d16, hn::Add(mapped<Division>(d, v, i_chain), hn::Set(d, 0x1.8p23f)));
+        return hn::Add(mapped<Division>(d, v, i_chain), hn::Set(d, 0x1.8p23f));
     };
-    const auto words01 = hn::ConcatEven(d16, bitsOf(v1), bitsOf(v0));
-    const auto words23 = hn::ConcatEven(d16, bitsOf(v3), bitsOf(v2));
-    const hn::Repartition<T, D> dt;
-    if constexpr (sizeof(T) == 2) {
-        hn::StoreU(hn::BitCast(dt, words01), dt, o_target);
-        hn::StoreU(hn::BitCast(dt, words23), dt, o_target + 2 * lanes);
-    } else {
-        hn::StoreU(hn::ConcatEven(dt, hn::BitCast(dt, words23), hn::BitCast(dt, words01)), dt, o_target);
-    }
+    storeLowBits(bitsOf(i_source), bitsOf(i_source + lanes), bitsOf(i_source + 2 * lanes),
+        bitsOf(i_source + 3 * lanes), o_target);
     return true;
 }
 

@@ -47,8 +47,14 @@ void LinearMap::findGuess(double i_least, double i_greatest, const ElementType& 
     // the low bits of the sum a fixed-point number. The sum and the constant are rounded by half a unit each;
     // the roundings of the definition are much smaller than the unit.
     const int bits = i_target.bytes <= 2 ? fractionBits<quint8> : fractionBits<quint32>;
-    guess.usable = greatestTerm(i_least, i_greatest) < std::ldexp(1.0, 50 - bits); // not if it is NaN
-    guess.constant = offset - low * factor + 0.5 + std::ldexp(2.0, -bits) + std::ldexp(1.5, 52 - bits);
+    const double limit = std::ldexp(1.0, 50 - bits);
+    const double span = std::max(std::fabs(i_least - low), std::fabs(i_greatest - low));
+    guess.subtracts = !(greatestTerm(i_least, i_greatest) < limit);
+    guess.usable
+        = !guess.subtracts || span * std::fabs(factor) + std::fabs(offset) < limit; // not if it is NaN
+    guess.constant = offset + 0.5 + std::ldexp(2.0, -bits) + std::ldexp(1.5, 52 - bits);
+    if (!guess.subtracts)
+        guess.constant -= low * factor;
 }
 
 void LinearMap::findFixed(double i_least, double i_greatest)

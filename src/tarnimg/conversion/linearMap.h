@@ -45,9 +45,11 @@ struct LinearMap {
     /**
      * One multiplication and one addition in double: the low bits of v * factor + constant are w + 0.5 with a
      * fixed point, and 2 in the last place. Rounding is in doubt where the bits behind the point are below 4.
+     * A range that is far from 0 for its width wants its low end subtracted from v first.
      */
     struct {
         bool usable;
+        bool subtracts;
         double constant;
     } guess;
 
@@ -79,7 +81,7 @@ private:
     void findFixed(double i_least, double i_greatest);
     void findIntegral(double i_least, double i_greatest, const ElementType& i_target);
 
-    /** No term of the map is greater. */
+    /** No term of the map is greater, v * factor and low * factor taken apart. */
     double greatestTerm(double i_least, double i_greatest) const;
 };
 

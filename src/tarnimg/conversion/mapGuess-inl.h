@@ -10,6 +10,7 @@
 
 #include <hwy/highway.h>
 
+#include "conversion/batches-inl.h"
 #include "conversion/loadAsDouble-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -29,17 +30,9 @@ template <class D64, class S> HWY_INLINE auto guessedBits(D64 d, const S* i_sour
     auto v = loadAsDouble(d, i_source);
     if (i_map.limits)
         v = hn::Max(hn::Min(v, hn::Set(d, i_map.high)), hn::Set(d, i_map.low));
+    if (i_map.guess.subtracts)
+        v = hn::Sub(v, hn::Set(d, i_map.low));
     return hn::BitCast(bits, hn::MulAdd(v, hn::Set(d, i_map.factor), hn::Set(d, i_map.guess.constant)));
-}
-
-/** Elements of which none is NaN. Infinities of both signs are taken for NaN too, which costs time only. */
-template <class S> HWY_INLINE bool areNumbers(const S* i_source, std::size_t i_count)
-{
-    const hn::ScalableTag<S> d;
-    auto sum = hn::LoadU(d, i_source);
-    for (std::size_t x = hn::Lanes(d); x < i_count; x += hn::Lanes(d))
-        sum = hn::Add(sum, hn::LoadU(d, i_source + x));
-    return hn::AllFalse(d, hn::IsNaN(sum));
 }
 
 /** Four vectors of doubles share one question whether the guess holds. */
@@ -73,25 +66,13 @@ HWY_INLINE bool mapByGuess(D64 d, const S* i_source, T* o_target, const LinearMa
         return false;
 
     if constexpr (fractionBits == 32) {
-        const hn::Repartition<std::uint16_t, D64> d16;
-        const auto whole01 = hn::BitCast(d16, hn::ConcatOdd(d32, bits1, bits0));
-        const auto whole23 = hn::BitCast(d16, hn::ConcatOdd(d32, bits3, bits2));
-        const auto words = hn::ConcatEven(d16, whole23, whole01);
-        if constexpr (sizeof(T) == 2) {
-            const hn::Repartition<T, D64> dt;
-            hn::StoreU(hn::BitCast(dt, words), dt, o_target);
-        } else {
-            const hn::Rebind<std::uint8_t, decltype(d16)> bytes;
-            hn::StoreU(hn::TruncateTo(bytes, words), bytes, reinterpret_cast<std::uint8_t*>(o_target));
-        }
+        storeLowBits(hn::ConcatOdd(d32, bits1, bits0), hn::ConcatOdd(d32, bits3, bits2), o_target);
     } else {
-        const hn::Repartition<T, D64> dt;
         const auto whole = [d32, d64](auto i_bits) HWY_ATTR {
             return hn::BitCast(d32, hn::ShiftRight<fractionBits>(hn::BitCast(d64, i_bits)));
         };
-        hn::StoreU(hn::BitCast(dt, hn::ConcatEven(d32, whole(bits1), whole(bits0))), dt, o_target);
-        hn::StoreU(
-            hn::BitCast(dt, hn::ConcatEven(d32, whole(bits3), whole(bits2))), dt, o_target + 2 * lanes);
+        storeLowBits(hn::ConcatEven(d32, whole(bits1), whole(bits0)),
+            hn::ConcatEven(d32, whole(bits3), whole(bits2)), o_target);
     }
     return true;
 }

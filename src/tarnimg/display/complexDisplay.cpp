@@ -1,5 +1,6 @@
 // How complex images are shown.
 #include "display/complexColours.h"
+#include "display/channelRows.h"
 #include "display/complexRows.h"
 #include "display/picture.h"
 #include "display/rendering.h"
@@ -30,8 +31,7 @@ void takeComponent(const Ipp32fc* i_numbers, Style i_style, Ipp32f* o_values, in
     else if (i_style == Phase)
         ippiPhase_32fc32f_C1R(i_numbers, numbersStep, o_values, valuesStep, {i_count, 1});
     else
-        display::rowTable().channel4(
-            i_numbers, o_values, std::size_t(i_count), i_style == Imaginary ? 1 : 0, 2);
+        display::channelRowFor(4)(i_numbers, o_values, std::size_t(i_count), i_style == Imaginary ? 1 : 0, 2);
 }
 
 /** Fills the scratch with one component, row by row, so that each is still in the cache for the next step. */

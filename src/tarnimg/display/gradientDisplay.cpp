@@ -1,5 +1,6 @@
 // How both gradient types are shown.
 #include "display/gradientTables.h"
+#include "display/indexRows.h"
 #include "display/picture.h"
 #include "display/rendering.h"
 
@@ -82,7 +83,7 @@ template <class T> QImage cImgTypeGradient<T>::makeDisplayImage(const cImg& i_im
     } else {
         display::Rendering rendering(i_image);
         addIndices<Component>(rendering,
-            style == Absolute ? display::rowTable().amounts : display::rowTable().indices, getRange());
+            style == Absolute ? display::indexTable().amounts : display::indexTable().indices, getRange());
         if (style == Absolute) {
             addMagnitude(rendering);
         } else if (style == AbsoluteAndDirection) {

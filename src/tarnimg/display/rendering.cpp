@@ -1,5 +1,7 @@
 #include "display/rendering.h"
 
+#include "display/channelRows.h"
+
 #include <QImage>
 #include <utility>
 
@@ -13,20 +15,6 @@ cImg withoutGaps(const cImg& i_image)
     return i_image.getXPitch() == i_image.getImgType().getPixelSize() ? i_image : i_image.clone();
 }
 
-ChannelRow channelRow(unsigned i_channelBytes)
-{
-    switch (i_channelBytes) {
-    case 1:
-        return rowTable().channel1;
-    case 2:
-        return rowTable().channel2;
-    case 4:
-        return rowTable().channel4;
-    default:
-        return rowTable().channel8;
-    }
-}
-
 } // namespace
 
 Rendering::Rendering(const cImg& i_image)
@@ -38,14 +26,14 @@ Rendering::Rendering(const cImg& i_image)
 void Rendering::addChannel(unsigned i_channel, unsigned i_channels, unsigned i_channelBytes)
 {
     addRows<quint8, quint8>(int(i_channelBytes),
-        [row = channelRow(i_channelBytes), i_channel, i_channels](const quint8* i_source, quint8* o_target,
+        [row = channelRowFor(i_channelBytes), i_channel, i_channels](const quint8* i_source, quint8* o_target,
             std::size_t i_count) { row(i_source, o_target, i_count, i_channel, i_channels); });
 }
 
-void Rendering::addScale(const FloatScale& i_scale)
+void Rendering::addScale(const DoubleScale& i_scale)
 {
     addRows<double, quint8>(1, [i_scale](const double* i_source, quint8* o_target, std::size_t i_count) {
-        rowTable().floats(i_source, o_target, i_count, i_scale);
+        doubleRow()(i_source, o_target, i_count, i_scale);
     });
 }
 

@@ -2,7 +2,8 @@
 
 #include "conversion/steps.h"
 #include "display/byteChains.h"
-#include "display/byteScale.h"
+#include "display/doubleRows.h"
+#include "display/integerRows.h"
 
 #include <tarnimg/cImg.h>
 
@@ -26,7 +27,7 @@ public:
     void addChannel(unsigned i_channel, unsigned i_channels, unsigned i_channelBytes);
     /** Numbers to grey values. */
     template <class T> void addScale(const IntegerScale& i_scale);
-    void addScale(const FloatScale& i_scale);
+    void addScale(const DoubleScale& i_scale);
     void addScale(const Float32Scale& i_scale);
     void addScale(const WordScale& i_scale);
     /** A step on rows of whole pixels, of so many bytes before and behind it. */
@@ -54,7 +55,7 @@ template <class S, class D, class Row> void Rendering::addRows(int i_pixelBytes,
 template <class T> void Rendering::addScale(const IntegerScale& i_scale)
 {
     addRows<T, quint8>(1, [i_scale](const T* i_source, quint8* o_target, std::size_t i_count) {
-        std::get<IntegerRow<T>>(rowTable().integers)(i_source, o_target, i_count, i_scale);
+        integerRowFor<T>()(i_source, o_target, i_count, i_scale);
     });
 }
 

@@ -31,7 +31,7 @@ template <class T> void addGreyValues(display::Rendering& io_rendering, const cD
 
 template <> void addGreyValues<double>(display::Rendering& io_rendering, const cDblRange& i_range)
 {
-    io_rendering.addScale(display::FloatScale(i_range));
+    io_rendering.addScale(display::DoubleScale(i_range));
 }
 
 template <> void addGreyValues<float>(display::Rendering& io_rendering, const cDblRange& i_range)

@@ -36,6 +36,10 @@ template <class T> std::vector<T> valuesFor(Range i_range, unsigned i_seed)
             const double edge = i_range.low + (grey + part) * step;
             for (const double next : {std::floor(edge), std::ceil(edge), edge})
                 add(next);
+            if constexpr (std::is_floating_point_v<T>) {
+                add(std::nextafter(T(edge), Limits::lowest()));
+                add(std::nextafter(T(edge), Limits::max()));
+            }
         }
     if constexpr (std::is_floating_point_v<T>)
         values.insert(values.end(),
@@ -130,7 +134,8 @@ TEST_P(scalarDisplayTest, Float32)
 TEST_P(scalarDisplayTest, Float64)
 {
     expectGreys<double>(cImgType::Float64,
-        {{-1, 1}, {0, 1}, {0, 255}, {0, 510}, {-1000, 1e6}, {5, 5.001}, {1e17, 1e17 + 1024}, {-1e300, 1e290}},
+        {{-1, 1}, {0, 1}, {0, 255}, {0, 510}, {-1000, 1e6}, {5, 5.001}, {1e6, 1e6 + 1}, {-3, 7.5},
+            {1e17, 1e17 + 1024}, {-1e300, 1e290}},
         reference::greyOfFloat64);
 }
 

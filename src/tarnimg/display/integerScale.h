@@ -5,8 +5,6 @@
 #include <tarnbase/cRange.h>
 
 #include <QtGlobal>
-#include <cstddef>
-#include <tuple>
 
 namespace display {
 
@@ -52,51 +50,5 @@ struct IntegerScale {
 private:
     void findWholeDistance(const cDblRange& i_range);
 };
-
-/** How floats become grey values: limited to the range, (v - low) * 255 / width, halves up; NaN is 0. */
-struct FloatScale {
-    explicit FloatScale(const cDblRange& i_range);
-
-    double low;
-    double high;
-    double width;
-    double slope; ///< 255 / width
-    bool guess; ///< (v - low) * slope differs from the definition by rounding errors alone
-};
-
-/** The index of a gradient's component: trunc((c - low) * slope). */
-struct IndexScale {
-    explicit IndexScale(const cDblRange& i_range);
-
-    double low;
-    double slope;
-};
-
-template <class T>
-using IntegerRow = void (*)(const T* i_source, quint8* o_target, std::size_t i_count, const IntegerScale&);
-using FloatRow = void (*)(const double* i_source, quint8* o_target, std::size_t i_count, const FloatScale&);
-template <class T>
-using IndexRow = void (*)(const T* i_source, quint8* o_target, std::size_t i_count, const IndexScale&);
-using ChannelRow = void (*)(
-    const void* i_pixels, void* o_target, std::size_t i_count, unsigned i_channel, unsigned i_channels);
-
-/** Row functions for the processor; the rows may begin at any byte. */
-struct RowTable {
-    std::tuple<IntegerRow<qint8>, IntegerRow<qint16>, IntegerRow<qint32>, IntegerRow<quint32>,
-        IntegerRow<qint64>>
-        integers;
-    FloatRow floats;
-    /** Limited to 0 to 255. */
-    std::tuple<IndexRow<qint16>, IndexRow<qint32>> indices;
-    /** The amount, limited to 127. */
-    std::tuple<IndexRow<qint16>, IndexRow<qint32>> amounts;
-    /** One channel of interleaved ones, for channels of 1, 2, 4 and 8 bytes. */
-    ChannelRow channel1;
-    ChannelRow channel2;
-    ChannelRow channel4;
-    ChannelRow channel8;
-};
-
-const RowTable& rowTable();
 
 } // namespace display
