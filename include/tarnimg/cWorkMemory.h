@@ -11,7 +11,7 @@ class cWorkMemory {
 public:
     cWorkMemory() = default;
     cWorkMemory(const cWorkMemory&) {}
-    cWorkMemory& operator=(const cWorkMemory&) { return *this; }
+    cWorkMemory& operator=(const cWorkMemory&) { return *this; } // NOLINT(bugprone-unhandled-self-assignment)
 
     /** At least so many bytes, at any address; valid until the next call. Throws std::bad_alloc. */
     unsigned char* grow(std::size_t i_bytes)

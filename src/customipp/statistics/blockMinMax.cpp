@@ -39,7 +39,8 @@ template <class T> struct ResultsBlock {
     {
         auto low = loadAnywhere(d, fromLeast + x), high = loadAnywhere(d, fromGreatest + x);
         if constexpr (hwy::IsFloat<T>()) {
-            const auto isNothing = hn::Gt(low, high), zero = hn::Zero(d);
+            const auto isNothing = hn::Gt(low, high);
+            const auto zero = hn::Zero(d);
             const auto nan = hn::Set(d, std::numeric_limits<T>::quiet_NaN());
             low = hn::IfThenElse(isNothing, nan, hn::Add(low, zero));
             high = hn::IfThenElse(isNothing, nan, hn::Add(high, zero));

@@ -188,7 +188,7 @@ void addSubtractOverlapping(Program& io_program, const Ranges& i_ranges)
         ippiSubC_8u_C1RSfs(
             source.first, source.step(), low, target.first, target.step(), tile.elements(3), 0);
         const int skipped = tile.y == 0 ? 1 : 0;
-        const qint64 twice = std::min<qint64>(width - 3 * tile.x, 3 * tile.width);
+        const qint64 twice = std::min<qint64>(width - 3 * tile.x, qint64(3) * tile.width);
         if (twice > 0 && tile.height > skipped) {
             ippiSubC_8u_C1IRSfs(
                 low, target.at(0, skipped, 0).first, target.step(), {int(twice), tile.height - skipped}, 0);

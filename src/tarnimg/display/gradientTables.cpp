@@ -37,7 +37,7 @@ GradientTables::GradientTables() : colours(256)
             magnitude[row * side + column] = limitedLength(double(row), double(column));
     for (int y = -128; y < 128; ++y)
         for (int x = -128; x < 128; ++x)
-            direction[std::size_t(((y + 128) << 8) + x + 128)] = directionOf(x, y);
+            direction[std::size_t(y + 128) * 256 + std::size_t(x + 128)] = directionOf(x, y);
     for (int i = 0; i < colours.size(); ++i) {
         const int value = i / s_directions * s_directions;
         colours[i] = QColor::fromHsv(i % s_directions * s_hues / s_directions, value, value, 255).rgb();

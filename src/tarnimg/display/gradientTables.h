@@ -19,7 +19,7 @@ struct GradientTables {
     /** min(255, sqrt(row^2 + column^2)), truncated. */
     std::array<quint8, side * side> magnitude;
     /** For the indices (y << 8) + x: two bits of magnitude, six of direction. */
-    std::array<quint8, 256 * 256> direction;
+    std::array<quint8, 256UL * 256> direction;
     /** Hue by the direction, brightness by the magnitude. */
     QVector<QRgb> colours;
 
