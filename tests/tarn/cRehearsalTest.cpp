@@ -327,8 +327,27 @@ TEST_F(cRehearsalTest, AFileThatCannotBeReadIsPassedOver)
         "  help: convert the files, as in: tarn convert --type UInt8 INPUT... OUTPUT");
 }
 
-TEST_F(cRehearsalTest, ALongListOfOneTypeIsJudged)
+TEST_F(cRehearsalTest, AFileWithASoundHeaderAndDamagedPixelsIsPassedOver)
 {
+    QFile whole(m_folder.filePath(QStringLiteral("grey.png")));
+    ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
+    writeText("cut.png", whole.readAll().chopped(60));
+    EXPECT_EQ(
+        host::peekImage(m_folder.filePath(QStringLiteral("cut.png"))), QStringLiteral("UInt8 of 1 channel"));
+    EXPECT_NE(rehearse("files ${in}/deep.png,${in}/cut.png ! countInRange ! print"), "");
+    EXPECT_EQ(rehearse("files ${in}/deep.png,${in}/cut.png,${in}/grey.png ! countInRange ! print"), "");
+}
+
+TEST_F(cRehearsalTest, ALongListIsJudgedByItsHeaders)
+{
+    // Together their pixels take some time: 400 times a million.
+    host::writeImage(
+        m_folder.filePath(QStringLiteral("large.png")), makeRandomImage(cImgType::UInt16, 1024, 1024));
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral("many")));
+    for (int i = 0; i < 400; ++i)
+        ASSERT_TRUE(QFile::link(m_folder.filePath(QStringLiteral("large.png")),
+            m_folder.filePath(QStringLiteral("many/%1.png").arg(i))));
+    EXPECT_NE(rehearse("files ${in}/many ! countInRange ! print"), "");
     EXPECT_NE(rehearse("files ${in}/deep.png repeat=1000000000 ! countInRange ! print"), "");
 }
 
