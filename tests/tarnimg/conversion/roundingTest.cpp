@@ -81,7 +81,8 @@ TEST_P(roundingTest, OneNaNAmongNumbersBecomesTheLeastValue)
     }
     for (const reference::Type to : reference::everyType)
         if (reference::isSupported(reference::Float32, to))
-            for (const Range& output : {Range {0, 127}, Range {5, 99.5}})
+            for (const Range& output :
+                {Range {0, 127}, Range {5, 99.5}, Range {-128, 127}, Range {-32768, 32767}})
                 expectConversion(image, to, {-10, 120}, output);
 }
 
