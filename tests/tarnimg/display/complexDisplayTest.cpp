@@ -260,8 +260,6 @@ TEST(complexDisplay, OneColumnHasNoScale)
 TEST(complexDisplay, AConstantComponentIsBlack)
 {
     cImg image = makeImage<float>(cImgType::Complex, {{2, 7, 2, 8, 2, 9}});
-    image.imgType().setStyle(QStringLiteral("Imaginary"));
-    EXPECT_NE(bytesOf(show(image)), std::vector<int>({0, 0, 0})); // leaves other values in working memory
     image.imgType().setStyle(QStringLiteral("Real"));
     EXPECT_EQ(bytesOf(show(image)), std::vector<int>({0, 0, 0}));
 }
