@@ -229,6 +229,20 @@ TEST_F(cRehearsalTest, NegativeAndBrokenConstantsAreJudgedAsTheyAct)
     EXPECT_EQ(rehearse("files ${in}/float.tif ! multiplyConstant constant=1e9 ! save ${in}/out/o.tif"), "");
 }
 
+TEST_F(cRehearsalTest, AFractionThatLeavesOthersNoRoomIsToldFromANumberThatIsTooLarge)
+{
+    // 0.3 needs a power of 512, in which 1 is more than a byte. The other two are not in the text.
+    EXPECT_EQ(
+        rehearse("files ${in}/colour.png\n"
+                 "! multiplyConstantRGB name=m constantRed=0.3 constantGreen=0.25 ! save ${in}/out/o.png"),
+        "g:2:3: error: m.constantBlue: does not fit into 8-bit pixels, expected a number from 0 to "
+        "0.4980469, found 1, which would act as 0 (frame of @/colour.png)\n"
+        "  help: give short binary fractions, such as 1.25, which leave more room");
+    EXPECT_EQ(rehearse("files ${in}/colour.png ! multiplyConstantRGB constantRed=0.25 constantGreen=1.3 ! "
+                       "save ${in}/out/o.png"),
+        "");
+}
+
 TEST_F(cRehearsalTest, EachBoundThatIsCutIsFoundEvenWhereTheStepFails)
 {
     // 256 acts as 0, so that the range is empty.
