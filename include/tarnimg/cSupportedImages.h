@@ -30,7 +30,8 @@ public:
     QStringList getTypeNames() const;
     /** Such as "UInt8 of 1 channel, RGB24"; empty for an empty list. */
     QString toText() const;
-    /** An image in the same words: "UInt16 of 3 channels". */
+    /** One pair, or an image, in the same words: "UInt16 of 3 channels". */
+    static QString describe(cImgType::ImageTypes i_type, unsigned i_channels);
     static QString describe(const cImg& i_image);
 
 private:

@@ -11,6 +11,7 @@
 
 #include <tarnbase/cFileSystem.h>
 #include <tarnbase/cTracer.h>
+#include <tarnimg/cSupportedImages.h>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -298,6 +299,22 @@ cImg readImage(const QString& i_path)
     if (!image.isValid())
         raise(QStringLiteral("%1 cannot read it").arg(own->getName()));
     return image;
+}
+
+QString peekImage(const QString& i_path)
+{
+    if (const auto* format = dynamic_cast<const cFileFormat*>(findHandler(i_path, cImgIO::Read))) {
+        QFile file(i_path);
+        try {
+            const cFileFormat::Kind kind
+                = file.open(QIODevice::ReadOnly) ? format->peek(file) : cFileFormat::Kind {};
+            if (kind.type != cImgType::Invalid)
+                return cSupportedImages::describe(kind.type, kind.channels);
+        } catch (const std::exception&) {
+            // The header may be a long one.
+        }
+    }
+    return cSupportedImages::describe(readImage(i_path));
 }
 
 unsigned countPages(const QString& i_path, const cImg& i_image)

@@ -24,6 +24,16 @@ public:
 
     /** @throws std::runtime_error that says why the file cannot be read, without its path */
     cImg read(const QString& i_path) const;
+    /** A pixel type and a number of channels. */
+    struct Kind {
+        cImgType::ImageTypes type = cImgType::Invalid;
+        unsigned channels = 0;
+    };
+    /**
+     * What `read` makes of a file, as far as its header tells: `Invalid` where only the pixels do. Those may
+     * be damaged all the same. @throws std::runtime_error on a header that is not sound
+     */
+    virtual Kind peek(QIODevice&) const { return {}; }
     /** @throws std::runtime_error that says why the image cannot be written, without the path */
     void write(const QString& i_path, const cImg& i_image) const;
     /** The same to a device that can seek. */
@@ -43,6 +53,8 @@ public:
 
 protected:
     using cImgIO::cImgIO;
+    /** Room for the headers of most files that have theirs at the start. */
+    static constexpr qint64 s_headerBytes = 1 << 14;
 
     /** Writes a valid image of a type that can be held to a device that can seek. @throws std::runtime_error
      */
@@ -73,6 +85,9 @@ void registerFileFormats();
 /** Reads with the handler whose patterns have the extension. @throws std::runtime_error that says why not,
  * without the path */
 cImg readImage(const QString& i_path);
+/** The type and channels of the image that `readImage` gives, as cSupportedImages describes them, from the
+ * header where that tells. @throws as readImage */
+QString peekImage(const QString& i_path);
 /** How many pictures there are in the file from which this image was read. */
 unsigned countPages(const QString& i_path, const cImg& i_image);
 /** Writes with the handler whose patterns have the extension. Folders on the way are made. @throws

@@ -1,5 +1,6 @@
 #include "cRehearsal.h"
 
+#include "cFileFormat.h"
 #include "cPipelineBuilder.h"
 #include "cValueSource.h"
 #include "hostStations.h"
@@ -97,6 +98,16 @@ QString howToConvert(const cImg& i_image, const cSupportedImages& i_taken)
     return QStringLiteral("take a station for such images, or other files");
 }
 
+/** Type and channels of the image in a file; empty if it cannot be read. */
+QString kindOf(const QString& i_file)
+{
+    try {
+        return host::peekImage(i_file);
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
 } // namespace
 
 cRehearsal::cRehearsal(
@@ -117,22 +128,25 @@ cRehearsal::cRehearsal(
 
 QList<cGraphError> cRehearsal::run()
 {
-    const QDeadlineTimer deadline(s_mostMilliseconds);
+    const cSilence silence;
+    QDeadlineTimer deadline(s_mostMilliseconds);
     QList<cGraphError> misfits;
     QSet<QString> tried;
+    const auto isTried = [&](const QString& i_kinds) { return i_kinds.isNull() || tried.contains(i_kinds); };
     const qint64 stamps = countStamps();
     for (qint64 stamp = 0; stamp < stamps; ++stamp) {
         if (deadline.hasExpired())
             return {};
-        const QString kinds = kindsOf(stamp);
-        if (kinds.isNull() || tried.contains(kinds))
+        // The first frame is read for the run anyway. Of the others there may be many: their headers will do.
+        if ((!tried.isEmpty() && isTried(kindsOf(stamp))) || !readAhead(stamp))
             continue;
-        const QList<cGraphError> found
-            = rehearse(stamp, std::max(int(deadline.remainingTime()), s_mostMilliseconds / 4));
+        const QList<cGraphError> found = rehearse(stamp);
         misfits = tried.isEmpty() ? found : common(misfits, found);
-        tried.insert(kinds);
         if (misfits.isEmpty())
             return {};
+        if (tried.isEmpty())
+            deadline.setRemainingTime(s_mostMilliseconds);
+        tried.insert(kindsOf(stamp));
     }
     return misfits;
 }
@@ -147,24 +161,38 @@ qint64 cRehearsal::countStamps() const
     return stamps;
 }
 
-QString cRehearsal::kindsOf(qint64 i_stamp) const
+QString cRehearsal::kindsOf(qint64 i_stamp)
 {
     QString kinds = QStringLiteral("");
-    for (cFrameSource* source : m_sources) {
-        if (i_stamp < source->getTotal()) {
-            const cImg image = source->readAhead(i_stamp);
-            if (!image.isValid())
+    for (const cFrameSource* source : m_sources) {
+        const QString file = source->getFile(i_stamp);
+        if (!file.isEmpty()) {
+            if (!m_kinds.contains(file))
+                m_kinds.insert(file, kindOf(file));
+            if (m_kinds[file].isEmpty())
                 return {};
-            kinds += cSupportedImages::describe(image);
+            kinds += m_kinds[file];
         }
         kinds += u';';
     }
     return kinds;
 }
 
-QList<cGraphError> cRehearsal::rehearse(qint64 i_stamp, int i_milliseconds) const
+bool cRehearsal::readAhead(qint64 i_stamp)
 {
-    const cSilence silence;
+    for (cFrameSource* source : m_sources) {
+        if (i_stamp >= source->getTotal())
+            continue;
+        const cImg image = source->readAhead(i_stamp);
+        if (!image.isValid())
+            return false;
+        m_kinds.insert(source->getFile(i_stamp), cSupportedImages::describe(image));
+    }
+    return true;
+}
+
+QList<cGraphError> cRehearsal::rehearse(qint64 i_stamp) const
+{
     cGraph graph;
     if (!cPipelineBuilder(graph, m_variables).assemble(m_pipeline))
         return {};
@@ -174,7 +202,7 @@ QList<cGraphError> cRehearsal::rehearse(qint64 i_stamp, int i_milliseconds) cons
             own->rehearse(dynamic_cast<cHostStation&>(*m_graph.findNode(station->getPathName())), i_stamp);
     if (!graph.launch())
         return {};
-    graph.waitForFlow(i_milliseconds);
+    graph.waitForFlow(s_mostMilliseconds);
     graph.stop();
     QList<cGraphError> misfits;
     for (const cStation* station : stations) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QList>
 #include <QMap>
 #include <QString>
@@ -30,17 +31,20 @@ public:
 
     /**
      * The misfits that every frame meets. Files of different types are all asked, until one of them works:
-     * one bad file is for the run to name. Takes a second at the most, apart from the file or the step that
-     * is under way then; what has not been found out by then is no misfit.
+     * one bad file is for the run to name. The first frame gets a second, and the search for other types
+     * another one, apart from the file or the step that is under way then; what has not been found out by
+     * then is no misfit.
      */
     QList<cGraphError> run();
 
 private:
     /** The pixel types that all sources together give for a stamp; null if a file cannot be read. */
-    QString kindsOf(qint64 i_stamp) const;
+    QString kindsOf(qint64 i_stamp);
+    /** Reads the files of a stamp; false if one cannot be read. */
+    bool readAhead(qint64 i_stamp);
     /** Stamps from which on the files come in the same combinations again. */
     qint64 countStamps() const;
-    QList<cGraphError> rehearse(qint64 i_stamp, int i_milliseconds) const;
+    QList<cGraphError> rehearse(qint64 i_stamp) const;
     /** A misfit with the file in which it was met, and what to do about it. */
     cGraphError explain(const cGraphError& i_misfit, const cStation& i_station, qint64 i_stamp) const;
 
@@ -48,4 +52,5 @@ private:
     const cPipeline& m_pipeline;
     const QMap<QString, QString> m_variables;
     std::vector<cFrameSource*> m_sources; ///< of which frames are wanted
+    QHash<QString, QString> m_kinds; ///< of files; empty for one that cannot be read
 };

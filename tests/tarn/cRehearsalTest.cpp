@@ -229,6 +229,20 @@ TEST_F(cRehearsalTest, NegativeAndBrokenConstantsAreJudgedAsTheyAct)
     EXPECT_EQ(rehearse("files ${in}/float.tif ! multiplyConstant constant=1e9 ! save ${in}/out/o.tif"), "");
 }
 
+TEST_F(cRehearsalTest, AFractionThatLeavesOthersNoRoomIsToldFromANumberThatIsTooLarge)
+{
+    // 0.3 needs a power of 512, in which 1 is more than a byte. The other two are not in the text.
+    EXPECT_EQ(
+        rehearse("files ${in}/colour.png\n"
+                 "! multiplyConstantRGB name=m constantRed=0.3 constantGreen=0.25 ! save ${in}/out/o.png"),
+        "g:2:3: error: m.constantBlue: does not fit into 8-bit pixels, expected a number from 0 to "
+        "0.4980469, found 1, which would act as 0 (frame of @/colour.png)\n"
+        "  help: give short binary fractions, such as 1.25, which leave more room");
+    EXPECT_EQ(rehearse("files ${in}/colour.png ! multiplyConstantRGB constantRed=0.25 constantGreen=1.3 ! "
+                       "save ${in}/out/o.png"),
+        "");
+}
+
 TEST_F(cRehearsalTest, EachBoundThatIsCutIsFoundEvenWhereTheStepFails)
 {
     // 256 acts as 0, so that the range is empty.
@@ -327,8 +341,27 @@ TEST_F(cRehearsalTest, AFileThatCannotBeReadIsPassedOver)
         "  help: convert the files, as in: tarn convert --type UInt8 INPUT... OUTPUT");
 }
 
-TEST_F(cRehearsalTest, ALongListOfOneTypeIsJudged)
+TEST_F(cRehearsalTest, AFileWithASoundHeaderAndDamagedPixelsIsPassedOver)
 {
+    QFile whole(m_folder.filePath(QStringLiteral("grey.png")));
+    ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
+    writeText("cut.png", whole.readAll().chopped(60));
+    EXPECT_EQ(
+        host::peekImage(m_folder.filePath(QStringLiteral("cut.png"))), QStringLiteral("UInt8 of 1 channel"));
+    EXPECT_NE(rehearse("files ${in}/deep.png,${in}/cut.png ! countInRange ! print"), "");
+    EXPECT_EQ(rehearse("files ${in}/deep.png,${in}/cut.png,${in}/grey.png ! countInRange ! print"), "");
+}
+
+TEST_F(cRehearsalTest, ALongListIsJudgedByItsHeaders)
+{
+    // Together their pixels take some time: 400 times a million.
+    host::writeImage(
+        m_folder.filePath(QStringLiteral("large.png")), makeRandomImage(cImgType::UInt16, 1024, 1024));
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral("many")));
+    for (int i = 0; i < 400; ++i)
+        ASSERT_TRUE(QFile::link(m_folder.filePath(QStringLiteral("large.png")),
+            m_folder.filePath(QStringLiteral("many/%1.png").arg(i))));
+    EXPECT_NE(rehearse("files ${in}/many ! countInRange ! print"), "");
     EXPECT_NE(rehearse("files ${in}/deep.png repeat=1000000000 ! countInRange ! print"), "");
 }
 

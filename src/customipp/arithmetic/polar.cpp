@@ -72,34 +72,25 @@ template <class V> HWY_INLINE V restOfSum(V sum, V v)
 #endif
 }
 
-/** About the root of a number and half its reciprocal, each off by less than 2^-22 of itself. */
-template <class D> struct Root {
-    hn::Vec<D> root, halfInverse;
-
-    HWY_INLINE Root(D d, hn::Vec<D> v)
-    {
-        // The estimate has 11 bits at the least on x86, 8 elsewhere; each step doubles them.
-        constexpr int steps = HWY_ARCH_X86 ? 1 : 2;
-        const auto half = hn::Set(d, 0.5f), estimate = hn::ApproximateReciprocalSqrt(v);
-        root = hn::Mul(v, estimate);
-        halfInverse = hn::Mul(half, estimate);
-        for (int step = 0; step < steps; ++step) {
-            const auto lack = hn::NegMulAdd(root, halfInverse, half);
-            root = hn::MulAdd(root, lack, root);
-            halfInverse = hn::MulAdd(halfInverse, lack, halfInverse);
-        }
-    }
-};
+/**
+ * How far y * ApproximateReciprocal(y) may be from 1, with some room: in vectors of 512 bits on x86 the
+ * estimate has 14 bits, in others there more than 11, elsewhere 7 at the least.
+ */
+template <class D> constexpr float reciprocalError(D d)
+{
+    return !HWY_ARCH_X86 ? 0x1p-7f : hn::MaxLanes(d) == 16 ? 0x1p-13f : 0x1p-11f;
+}
 
 /**
  * The squares of floats are exact in double, and no sum of them overflows or underflows there; its root in
  * double is rounded to float.
  *
- * As that is slow, the sum is also taken as a float and the exact rest that it lacks, and the root as a float
- * y near it and the rest / 2y that this lacks: it is off by less than 2^-42 of itself, whatever the estimate
- * was that y comes from. If both ends of that span round to the same float, it is the right one, however the
- * numbers were combined. Only where they do not, near the middle between two floats, and for sums that are
- * too small or too great for this, the root in double is taken.
+ * As that is slow, the sum is also taken as a float and the exact rest that it lacks, and the root as the
+ * root y of that float and the rest / 2y that this lacks, which is at most 2^-23 of y and for which an
+ * estimate of the reciprocal will do. If both ends of the span in which the root lies round to the same
+ * float, it is the right one, however the numbers were combined and whatever the estimate was. Only where
+ * they do not, near the middle between two floats, and for sums that are too small or too great for this, the
+ * root in double is taken.
  */
 struct SumOfSquares {
     static constexpr size_t least = 1;
@@ -125,11 +116,12 @@ struct RootOfSum {
     template <class D, class Store> HWY_INLINE void operator()(D d, size_t x, Store store) const
     {
         const auto sum = loadAnywhere(d, from.first + x);
-        const Root<D> near(d, sum);
-        const auto y = near.root, rest = hn::Add(restOfSum(sum, y), loadAnywhere(d, from.second + x));
-        const auto more = hn::Mul(rest, near.halfInverse), margin = hn::Set(d, 0x1p-42f);
-        const auto lower = hn::Add(y, hn::NegMulAdd(y, margin, more));
-        const auto upper = hn::Add(y, hn::MulAdd(y, margin, more));
+        const auto y = hn::Sqrt(sum), half = hn::Set(d, 0.5f);
+        const auto rest = hn::Add(restOfSum(sum, y), loadAnywhere(d, from.second + x));
+        const auto more = hn::Mul(rest, hn::ApproximateReciprocal(y));
+        const auto margin = hn::Mul(y, hn::Set(d, 0x1p-23f * reciprocalError(d)));
+        const auto lower = hn::Add(y, hn::MulSub(half, more, margin));
+        const auto upper = hn::Add(y, hn::MulAdd(half, more, margin));
         // A sum that overflows makes both NaN.
         const auto isKnown = hn::And(hn::Eq(lower, upper), hn::Gt(sum, hn::Set(d, 0x1p-60f)));
         if (HWY_LIKELY(hn::AllTrue(d, isKnown)))

@@ -16,32 +16,72 @@ namespace customipp {
 namespace HWY_NAMESPACE {
 namespace {
 
-/** A matrix. Many have no fourth column: then nothing is added, as adding 0 changes no byte. */
-template <bool IsShifted> struct Twist {
+/** Added to a float of less than 22 bits this leaves it in the low bits, rounded to nearest with ties to
+ * even, in two's complement. */
+constexpr float integerWithSignInFloat = 12582912.0f; // 1.5 * 2^23
+
+/** What is known of a matrix. */
+enum class Matrix {
+    Any,
+    Bounded, ///< 16 bits hold each sum
+    Linear ///< and there is no fourth column: nothing is added, as adding 0 changes no byte
+};
+
+Matrix kindOf(const Ipp32f (*twist)[4])
+{
+    constexpr double bound = 32000; // there is room for what the sums are rounded by
+    bool isShifted = false;
+    for (int i = 0; i < 3; ++i) {
+        const double factors = std::fabs(double {twist[i][0]}) + std::fabs(double {twist[i][1]})
+            + std::fabs(double {twist[i][2]});
+        if (!(255 * factors + std::fabs(double {twist[i][3]}) < bound)) // NaN is not less
+            return Matrix::Any;
+        isShifted = isShifted || twist[i][3] != 0;
+    }
+    return isShifted ? Matrix::Bounded : Matrix::Linear;
+}
+
+template <Matrix Kind> struct Twist {
     float rows[3][4];
 
-    template <class D> HWY_INLINE Quarters<D> vector(D d, Planes<D> in) const
+    template <size_t Channels, class D> HWY_INLINE Quarters<D> vector(D d, const uint8_t* from) const
     {
-        return inFloats(d, *this, in);
+        return {quarter(d, loadFloats<Channels, 0>(d, from)), quarter(d, loadFloats<Channels, 1>(d, from)),
+            quarter(d, loadFloats<Channels, 2>(d, from)), quarter(d, loadFloats<Channels, 3>(d, from))};
     }
 
-    template <class DF, class VF>
-    HWY_INLINE void operator()(DF df, VF c0, VF c1, VF c2, VF& r0, VF& r1, VF& r2) const
+    template <class D, class DF> HWY_INLINE auto quarter(D, Planes<DF> in) const
     {
-        r0 = channel(df, rows[0], c0, c1, c2);
-        r1 = channel(df, rows[1], c0, c1, c2);
-        r2 = channel(df, rows[2], c0, c1, c2);
+        const auto [c0, c1, c2] = in;
+        const auto first = channel(rows[0], c0, c1, c2), second = channel(rows[1], c0, c1, c2);
+        const auto third = channel(rows[2], c0, c1, c2);
+        const hn::Repartition<uint32_t, D> d32;
+        return hn::BitCast(d32, mergeHalves(limited(mergeHalves(first, third)), limited(second)));
     }
 
-    template <class DF, class VF>
-    static HWY_INLINE VF channel(DF df, const float (&row)[4], VF c0, VF c1, VF c2)
+    /** A new channel in the low half of each lane, as an integer with a sign. */
+    template <class VF> static HWY_INLINE auto channel(const float (&row)[4], VF c0, VF c1, VF c2)
     {
+        const hn::DFromV<VF> df;
         const auto two = hn::Add(hn::Mul(hn::Set(df, row[0]), c0), hn::Mul(hn::Set(df, row[1]), c1));
         auto sum = hn::Add(two, hn::Mul(hn::Set(df, row[2]), c2));
-        if constexpr (IsShifted)
+        if constexpr (Kind != Matrix::Linear)
             sum = hn::Add(sum, hn::Set(df, row[3]));
-        const auto positive = hn::IfThenElseZero(hn::Gt(sum, hn::Zero(df)), sum); // NaN is not greater
-        return hn::Add(hn::Min(positive, hn::Set(df, 255.0f)), hn::Set(df, integerInFloat));
+        if constexpr (Kind == Matrix::Any) {
+            sum = hn::IfThenElseZero(hn::Gt(sum, hn::Zero(df)), sum); // NaN is not greater
+            sum = hn::Min(sum, hn::Set(df, 255.0f));
+        }
+        const hn::RebindToUnsigned<decltype(df)> d32;
+        return hn::BitCast(d32, hn::Add(sum, hn::Set(df, integerWithSignInFloat)));
+    }
+
+    /** Halves of lanes limited to bytes: two channels at once, where floats are one. */
+    template <class V32> static HWY_INLINE auto limited(V32 v)
+    {
+        const hn::Repartition<int16_t, hn::DFromV<V32>> d16;
+        const hn::RebindToUnsigned<decltype(d16)> du16;
+        const auto notLess = hn::Max(hn::BitCast(d16, v), hn::Zero(d16));
+        return hn::BitCast(du16, hn::Min(notLess, hn::Set(d16, 255)));
     }
 
     void pixel(const uint8_t* from, uint8_t* to) const
@@ -55,9 +95,9 @@ template <bool IsShifted> struct Twist {
     }
 };
 
-template <size_t Channels, bool IsShifted> void twistBy(const Move& move, const Ipp32f (*twist)[4])
+template <size_t Channels, Matrix Kind> void twistBy(const Move& move, const Ipp32f (*twist)[4])
 {
-    Twist<IsShifted> op;
+    Twist<Kind> op;
     for (int i = 0; i < 3; ++i)
         std::copy_n(twist[i], 4, op.rows[i]);
     for (size_t y = 0; y < move.area.height; ++y)
@@ -67,10 +107,14 @@ template <size_t Channels, bool IsShifted> void twistBy(const Move& move, const 
 
 template <size_t Channels> void twistPixels(const Move& move, const Ipp32f (*twist)[4])
 {
-    if (twist[0][3] == 0 && twist[1][3] == 0 && twist[2][3] == 0)
-        twistBy<Channels, false>(move, twist);
-    else
-        twistBy<Channels, true>(move, twist);
+    switch (kindOf(twist)) {
+    case Matrix::Any:
+        return twistBy<Channels, Matrix::Any>(move, twist);
+    case Matrix::Bounded:
+        return twistBy<Channels, Matrix::Bounded>(move, twist);
+    case Matrix::Linear:
+        return twistBy<Channels, Matrix::Linear>(move, twist);
+    }
 }
 
 constexpr TwistKernels s_kernels {twistPixels<3>, twistPixels<4>};

@@ -59,8 +59,9 @@ template <class VF> HWY_INLINE VF roundedRatio(float factor, VF a, VF b)
 alignas(16) constexpr uint8_t sectorOf[16] = {0, 1, 5, 0, 0, 2, 4, 3};
 
 struct RGBToHSV {
-    template <class D> HWY_INLINE Quarters<D> vector(D d, Planes<D> rgb) const
+    template <size_t Channels, class D> HWY_INLINE Quarters<D> vector(D d, const uint8_t* from) const
     {
+        const auto rgb = loadPlanes<Channels>(d, from);
         const auto r = rgb.first, g = rgb.second, b = rgb.third;
         const auto greatest = hn::Max(hn::Max(r, g), b), least = hn::Min(hn::Min(r, g), b);
         const auto middle = hn::Xor(hn::Xor(hn::Xor(r, g), b), hn::Xor(greatest, least));
@@ -126,8 +127,9 @@ struct HSVToRGB {
     static constexpr int third = 85; // of the hues; 255 is 0 again
     static constexpr int whole = 255 * third; // saturation times the greatest distance within a third
 
-    template <class D> HWY_INLINE Quarters<D> vector(D d, Planes<D> hsv) const
+    template <size_t Channels, class D> HWY_INLINE Quarters<D> vector(D d, const uint8_t* from) const
     {
+        const auto hsv = loadPlanes<Channels>(d, from);
         const auto h = hsv.first, s = hsv.second, v = hsv.third;
         const auto thirds = hn::Set(d, third);
         const auto beyondFirst = hn::Sub(h, thirds), beyondSecond = hn::Sub(beyondFirst, thirds);

@@ -40,14 +40,23 @@ template <size_t Size, size_t Channels> constexpr ByteOrder<Size> apartOrder(siz
     return order;
 }
 
-/** Quarter number Part of the pixels, in each block four of every channel. Reads no byte of other pixels. */
+/** 32-bit lanes before quarter number Part in the vector that holds it. A quarter with three channels is
+ * shorter than a vector: the last one is taken from the end of a vector, so that no other pixels are read. */
+template <size_t Size, size_t Channels, size_t Part>
+inline constexpr size_t skipOf = Channels == 3 && Part == 3 ? Size / 16 : 0;
+
+template <size_t Channels, size_t Part, class D> HWY_INLINE hn::Vec<D> loadQuarter(D d, const uint8_t* from)
+{
+    constexpr size_t size = hn::MaxLanes(D());
+    return hn::LoadU(d, from + Part * Channels * (size / 4) - 4 * skipOf<size, Channels, Part>);
+}
+
+/** Quarter number Part of the pixels, in each block four of every channel. */
 template <size_t Channels, size_t Part, class D> HWY_INLINE hn::Vec<D> loadApart(D d, const uint8_t* from)
 {
     constexpr size_t size = hn::MaxLanes(D());
-    // A quarter with three channels is shorter than a vector: the last one is taken from the end of a vector.
-    constexpr size_t skip = Channels == 3 && Part == 3 ? size / 16 : 0;
-    static constexpr auto order = apartOrder<size, Channels>(skip);
-    return reorder(d, hn::LoadU(d, from + Part * Channels * (size / 4) - 4 * skip), order);
+    static constexpr auto order = apartOrder<size, Channels>(skipOf<size, Channels, Part>);
+    return reorder(d, loadQuarter<Channels, Part>(d, from), order);
 }
 
 /** The planes of four quarters, each of which has in each block four of every channel. */
@@ -165,9 +174,9 @@ template <size_t Channels, class D> HWY_INLINE void storeQuarters(D d, Quarters<
 }
 
 /**
- * Covers a row of n pixels by op.vector(d, planes), which gives quarters; a row shorter than the shortest
- * vector goes by op.pixel(from, to). The last vector ends with the row: it is computed before the others are
- * stored, so that the row may be its own destination.
+ * Covers a row of n pixels by op.template vector<Channels>(d, from), which gives the quarters of Lanes(d)
+ * pixels; a row shorter than the shortest vector goes by op.pixel(from, to). The last vector ends with the
+ * row: it is computed before the others are stored, so that the row may be its own destination.
  */
 template <size_t Channels, class Op, class D>
 HWY_INLINE void colourRow(D d, const Op& op, const uint8_t* src, uint8_t* dst, size_t n)
@@ -175,9 +184,9 @@ HWY_INLINE void colourRow(D d, const Op& op, const uint8_t* src, uint8_t* dst, s
     const size_t step = hn::Lanes(d);
     if (n >= step) {
         const size_t end = Channels * (n - step);
-        const auto last = op.vector(d, loadPlanes<Channels>(d, src + end));
+        const auto last = op.template vector<Channels>(d, src + end);
         for (size_t i = 0; i < end; i += Channels * step)
-            storeQuarters<Channels>(d, op.vector(d, loadPlanes<Channels>(d, src + i)), dst + i);
+            storeQuarters<Channels>(d, op.template vector<Channels>(d, src + i), dst + i);
         storeQuarters<Channels>(d, last, dst + end);
     } else if constexpr (hn::MaxLanes(d) > 16) {
         colourRow<Channels>(hn::Half<D>(), op, src, dst, n);

@@ -33,6 +33,32 @@ template <int K, class D> HWY_INLINE auto floatsOfQuarter(D d, hn::Vec<D> plane)
     return hn::ConvertTo(df, hn::BitCast(d32, bits));
 }
 
+/** One channel of the four pixels of each block, each in the low byte of its 32-bit lane. */
+template <size_t Size, size_t Channels> constexpr ByteOrder<Size> spreadOrder(size_t skip, size_t channel)
+{
+    const ByteOrder<Size> apart = apartOrder<Size, Channels>(skip);
+    ByteOrder<Size> order = apart;
+    for (size_t i = 0; i < Size; ++i)
+        order.bytes[i] = i % 4 == 0 ? apart.bytes[i / 16 * 16 + 4 * channel + i % 16 / 4] : order.zero;
+    return order;
+}
+
+/** Quarter number Part of the pixels as floats, channel by channel. */
+template <size_t Channels, size_t Part, class D>
+HWY_INLINE Planes<hn::Repartition<float, D>> loadFloats(D d, const uint8_t* from)
+{
+    constexpr size_t size = hn::MaxLanes(D()), skip = skipOf<size, Channels, Part>;
+    static constexpr auto first = spreadOrder<size, Channels>(skip, 0);
+    static constexpr auto second = spreadOrder<size, Channels>(skip, 1);
+    static constexpr auto third = spreadOrder<size, Channels>(skip, 2);
+    const auto pixels = moveLanes(d, loadQuarter<Channels, Part>(d, from), first.lanes);
+    const auto channel = [&](const ByteOrder<size>& order) HWY_ATTR {
+        const auto bytes = hn::TableLookupBytesOr0(pixels, hn::Load(d, order.bytes));
+        return hn::ConvertTo(hn::Repartition<float, D>(), hn::BitCast(hn::Repartition<int32_t, D>(), bytes));
+    };
+    return {channel(first), channel(second), channel(third)};
+}
+
 /** The low bytes of floats in the lower halves of the lanes. */
 template <class VF> HWY_INLINE auto joinBytes(VF first, VF second)
 {

@@ -176,6 +176,14 @@ cImg cNpyFormat::decode(const unsigned char* i_data, std::size_t i_size) const
     return image;
 }
 
+cFileFormat::Kind cNpyFormat::peek(QIODevice& io_device) const
+{
+    const QByteArray start = io_device.read(s_headerBytes);
+    const Layout layout = layoutOf(host::parseNpyHeader(
+        reinterpret_cast<const unsigned char*>(start.constData()), std::size_t(start.size())));
+    return {layout.type, unsigned(layout.channels)};
+}
+
 void cNpyFormat::encode(const cImg& i_image, QIODevice& io_device) const
 {
     const cImgType::ImageTypes type = i_image.getImgType().getTypeId();

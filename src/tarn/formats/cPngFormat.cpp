@@ -231,6 +231,16 @@ cImg cPngFormat::decode(const unsigned char* i_data, std::size_t i_size) const
     return image;
 }
 
+cFileFormat::Kind cPngFormat::peek(QIODevice& io_device) const
+{
+    const QByteArray start = io_device.read(s_headerBytes);
+    Reader reader(reinterpret_cast<const unsigned char*>(start.constData()), std::size_t(start.size()));
+    if (!readHeader(reader) || !setUpConversions(reader))
+        fail(reader);
+    const unsigned channels = png_get_channels(reader.png, reader.info);
+    return {typeFor(png_get_bit_depth(reader.png, reader.info), channels), channels};
+}
+
 void cPngFormat::encode(const cImg& i_image, QIODevice& io_device) const
 {
     if (i_image.getWidth() > PNG_UINT_31_MAX || i_image.getHeight() > PNG_UINT_31_MAX)

@@ -14,6 +14,7 @@ public:
     cImgIO* clone() const override;
     bool canHold(cImgType::ImageTypes i_type, unsigned i_channels) const override;
     cImg decode(const unsigned char* i_data, std::size_t i_size) const override;
+    Kind peek(QIODevice& io_device) const override;
 
 protected:
     void encode(const cImg& i_image, QIODevice& io_device) const override;

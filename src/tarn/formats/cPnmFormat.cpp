@@ -246,6 +246,15 @@ cImg cPnmFormat::decode(const unsigned char* i_data, std::size_t i_size) const
     return image;
 }
 
+cFileFormat::Kind cPnmFormat::peek(QIODevice& io_device) const
+{
+    const QByteArray start = io_device.read(s_headerBytes);
+    cTextHeader text(s_kinds[m_kind].name, reinterpret_cast<const unsigned char*>(start.constData()),
+        std::size_t(start.size()));
+    const Header header = readHeader(text);
+    return {typeFor(header), unsigned(header.depth)};
+}
+
 void cPnmFormat::encode(const cImg& i_image, QIODevice& io_device) const
 {
     const QByteArray header = makeHeader(i_image, m_kind == Pam);

@@ -75,6 +75,13 @@ cImg cTiffFormat::decode(const unsigned char* i_data, std::size_t i_size) const
     return image;
 }
 
+cFileFormat::Kind cTiffFormat::peek(QIODevice& io_device) const
+{
+    const cTiffReader tiff(io_device);
+    const TiffHeader header = host::readTiffHeader(tiff);
+    return header.isRendered() ? Kind {} : Kind {host::tiffFormFor(header).type, header.samples};
+}
+
 void cTiffFormat::encode(const cImg& i_image, QIODevice& io_device) const
 {
     const cTiffWriter tiff(io_device);

@@ -16,6 +16,7 @@ public:
     cImgIO* clone() const override;
     bool canHold(cImgType::ImageTypes i_type, unsigned i_channels) const override;
     cImg decode(const unsigned char* i_data, std::size_t i_size) const override;
+    Kind peek(QIODevice& io_device) const override;
     unsigned countPages(const cImg& i_image) const override { return i_image.getNumFrames(); }
 
 protected:

@@ -33,6 +33,11 @@ std::size_t mostBytesFor(std::size_t i_fileSize)
 
 QIODevice& device(thandle_t i_handle) { return *static_cast<QIODevice*>(i_handle); }
 
+tmsize_t readBytes(thandle_t i_handle, void* o_bytes, tmsize_t i_count)
+{
+    return tmsize_t(device(i_handle).read(static_cast<char*>(o_bytes), i_count));
+}
+
 tmsize_t writeBytes(thandle_t i_handle, void* i_bytes, tmsize_t i_count)
 {
     return tmsize_t(device(i_handle).write(static_cast<const char*>(i_bytes), i_count));
@@ -89,6 +94,12 @@ int cTiff::keepMessage(TIFF*, void* i_this, const char*, const char* i_format, v
 cTiffReader::cTiffReader(const unsigned char* i_data, std::size_t i_size) : m_data(i_data), m_size(i_size)
 {
     open("rm", this, {&read, &refuse, &seek, &size}, mostBytesFor(i_size));
+}
+
+cTiffReader::cTiffReader(QIODevice& io_device)
+{
+    open("rm", &io_device, {&readBytes, &refuse, &seekDevice, &sizeOfDevice},
+        mostBytesFor(std::size_t(io_device.size())));
 }
 
 tmsize_t cTiffReader::read(thandle_t i_handle, void* o_bytes, tmsize_t i_count)

@@ -41,10 +41,11 @@ private:
     std::string m_message;
 };
 
-/** Reads from memory, which must outlive it. */
+/** Reads from memory, or from a device that can seek; either must outlive it. */
 class cTiffReader : public cTiff {
 public:
     cTiffReader(const unsigned char* i_data, std::size_t i_size);
+    explicit cTiffReader(QIODevice& io_device);
 
 private:
     static cTiffReader& self(thandle_t i_handle) { return *static_cast<cTiffReader*>(i_handle); }
@@ -52,8 +53,8 @@ private:
     static toff_t seek(thandle_t i_handle, toff_t i_offset, int i_whence);
     static toff_t size(thandle_t i_handle) { return self(i_handle).m_size; }
 
-    const unsigned char* m_data;
-    const toff_t m_size;
+    const unsigned char* m_data = nullptr; // of memory only, as what follows
+    const toff_t m_size = 0;
     toff_t m_place = 0;
 };
 

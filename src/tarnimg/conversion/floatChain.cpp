@@ -46,10 +46,13 @@ constexpr bool s_hasFusedMulAdd = false;
 #endif
 
 /** Subtracts, divides, adds. */
-template <class Division, class D, class V> HWY_INLINE V mapped(D d, V v, const FloatChain& i_chain)
+template <class Division, bool Adds = true, class D, class V>
+HWY_INLINE V mapped(D d, V v, const FloatChain& i_chain)
 {
     v = Division()(d, hn::Sub(v, hn::Set(d, i_chain.subtrahend)), i_chain);
-    return hn::Add(v, hn::Set(d, i_chain.summand));
+    if constexpr (Adds)
+        v = hn::Add(v, hn::Set(d, i_chain.summand));
+    return v;
 }
 
 template <class T, class D>
@@ -72,28 +75,43 @@ HWY_INLINE void convertByDefinition(D d, const Ipp32f* i_source, T* o_target, co
     }
 }
 
-/** How many vectors share one question whether all their elements are numbers. */
+/** How many vectors are taken at once. */
 constexpr std::size_t s_batch = 4;
 
-/** Numbers onto an output range that the target type holds: false, with nothing stored, if one is NaN. */
-template <class Division, class T, class D>
-HWY_INLINE bool convertNumbers(D d, const Ipp32f* i_source, T* o_target, const FloatChain& i_chain)
+/** The greater one; the limit in the place of NaN. */
+template <class D, class V> HWY_INLINE V atLeast(D d, V v, Ipp32f i_limit)
+{
+    const V limit = hn::Set(d, i_limit);
+#if HWY_ARCH_X86
+    return hn::Max(v, limit); // the second operand if one is NaN
+#else
+    return hn::IfThenElse(hn::Gt(v, limit), v, limit);
+#endif
+}
+
+/**
+ * Onto an output range that the target type holds: false, with nothing stored, if an element is NaN and the
+ * low end of the range does not give the least value as NaN does.
+ */
+template <class Division, bool Adds, class T, class D>
+HWY_INLINE bool convertBatch(D d, const Ipp32f* i_source, T* o_target, const FloatChain& i_chain)
 {
     const std::size_t lanes = hn::Lanes(d);
-    if (HWY_UNLIKELY(!areNumbers(i_source, s_batch * lanes)))
+    if constexpr (sizeof(Ipp32f) >= 4 * sizeof(T))
+        fetchAhead(i_source, s_batch * lanes);
+    if (!i_chain.lowIsLeast && HWY_UNLIKELY(!areNumbers(i_source, s_batch * lanes)))
         return false;
     const auto bitsOf = [&](const Ipp32f* i_from) HWY_ATTR {
-        const auto notAbove = hn::Min(hn::LoadU(d, i_from), hn::Set(d, i_chain.high));
-        const auto v = hn::Max(notAbove, hn::Set(d, i_chain.low));
+        const auto v = hn::Min(atLeast(d, hn::LoadU(d, i_from), i_chain.low), hn::Set(d, i_chain.high));
         // Here the unit of a float is 1: the sum is rounded, ties to even, and its low bits are the integer.
-        return hn::Add(mapped<Division>(d, v, i_chain), hn::Set(d, 0x1.8p23f));
+        return hn::Add(mapped<Division, Adds>(d, v, i_chain), hn::Set(d, 0x1.8p23f));
     };
     storeLowBits(bitsOf(i_source), bitsOf(i_source + lanes), bitsOf(i_source + 2 * lanes),
         bitsOf(i_source + 3 * lanes), o_target);
     return true;
 }
 
-template <class Division, class T>
+template <class Division, bool Adds, class T>
 HWY_INLINE std::size_t convertBatches(
     const Ipp32f* i_source, T* o_target, std::size_t i_count, const FloatChain& i_chain)
 {
@@ -102,12 +120,24 @@ HWY_INLINE std::size_t convertBatches(
     const std::size_t lanes = hn::Lanes(d);
     std::size_t x = 0;
     for (; x + s_batch * lanes <= i_count; x += s_batch * lanes) {
-        if (!convertNumbers<Division>(d, i_source + x, o_target + x, chain)) {
+        if (!convertBatch<Division, Adds>(d, i_source + x, o_target + x, chain)) {
             for (std::size_t i = 0; i < s_batch * lanes; i += lanes)
                 convertByDefinition(d, i_source + x + i, o_target + x + i, chain);
         }
     }
     return x;
+}
+
+/** Takes as many elements as make whole batches. */
+template <class T>
+HWY_INLINE std::size_t convertShortly(
+    const Ipp32f* i_source, T* o_target, std::size_t i_count, const FloatChain& i_chain)
+{
+    if (!s_hasFusedMulAdd || !i_chain.reciprocal.proven)
+        return convertBatches<Divide, true>(i_source, o_target, i_count, i_chain);
+    if (i_chain.summand != 0.0f)
+        return convertBatches<DivideByProducts, true>(i_source, o_target, i_count, i_chain);
+    return convertBatches<DivideByProducts, false>(i_source, o_target, i_count, i_chain);
 }
 
 template <class T>
@@ -118,12 +148,9 @@ void convertRow(const Ipp32f* i_source, T* o_target, std::size_t i_count, const 
     const hn::CappedTag<Ipp32f, 1> one;
     const std::size_t lanes = hn::Lanes(d);
     std::size_t x = 0;
-    if constexpr (!std::is_same_v<T, Ipp32f>) {
+    if constexpr (!std::is_same_v<T, Ipp32f>)
         if (chain.staysWithinType)
-            x = s_hasFusedMulAdd && chain.reciprocal.proven
-                ? convertBatches<DivideByProducts>(i_source, o_target, i_count, chain)
-                : convertBatches<Divide>(i_source, o_target, i_count, chain);
-    }
+            x = convertShortly(i_source, o_target, i_count, chain);
     for (; x + lanes <= i_count; x += lanes)
         convertByDefinition(d, i_source + x, o_target + x, chain);
     for (; x < i_count;
@@ -180,6 +207,7 @@ void FloatChain::findShortWays(double i_least, double i_greatest)
     const Ipp32f first = (low - subtrahend) / divisor + summand;
     const Ipp32f last = (high - subtrahend) / divisor + summand;
     staysWithinType = std::nearbyint(first) >= i_least && std::nearbyint(last) <= i_greatest;
+    lowIsLeast = std::nearbyint(first) == i_least;
     if (staysWithinType)
         reciprocal = Reciprocal::of(divisor);
 }

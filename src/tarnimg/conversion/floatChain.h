@@ -19,6 +19,8 @@ struct FloatChain {
 
     /** Every number gives an integer of the target type: nothing saturates. */
     bool staysWithinType = false;
+    /** The low end gives the least integer, as NaN does. */
+    bool lowIsLeast = false;
     Reciprocal reciprocal = {}; ///< of the divisor, if all stays within the type
 
     /** Finds the short ways to integers of a type. */

@@ -49,6 +49,8 @@ HWY_INLINE bool mapByGuess(D64 d, const S* i_source, T* o_target, const LinearMa
     const std::size_t lanes = hn::Lanes(d);
     const hn::Repartition<std::uint64_t, D64> d64;
     const hn::Repartition<std::uint32_t, D64> d32;
+    if constexpr (sizeof(S) >= 4 * sizeof(T))
+        fetchAhead(i_source, guessedAtOnce(d));
     if constexpr (hwy::IsFloat<S>())
         if (HWY_UNLIKELY(!areNumbers(i_source, guessedAtOnce(d))))
             return false;

@@ -4,25 +4,6 @@
 #include <algorithm>
 #include <tarnimg/cImg.h>
 
-namespace {
-
-QString kindText(cImgType::ImageTypes i_type, unsigned i_channels)
-{
-    const QString name
-        = QString::fromLatin1(QMetaEnum::fromType<cImgType::ImageTypes>().valueToKey(int(i_type)));
-    // The others have a number of channels of their own.
-    const bool fixed
-        = i_type == cImgType::RGB24 || i_type == cImgType::RGB32 || i_type >= cImgType::Gradient16;
-    if (fixed || i_channels == 0)
-        return name;
-    return QStringLiteral("%1 of %2 channel%3")
-        .arg(name)
-        .arg(i_channels)
-        .arg(i_channels == 1 ? QString() : QStringLiteral("s"));
-}
-
-} // namespace
-
 bool cSupportedImages::takes(const cImg& i_image) const
 {
     const cImgType::ImageTypes type = i_image.getImgType().getTypeId();
@@ -53,12 +34,27 @@ QString cSupportedImages::toText() const
 {
     QStringList kinds;
     for (const auto& [type, channels] : m_list)
-        kinds.append(kindText(type, channels));
+        kinds.append(describe(type, channels));
     kinds.removeDuplicates();
     return kinds.join(QStringLiteral(", "));
 }
 
+QString cSupportedImages::describe(cImgType::ImageTypes i_type, unsigned i_channels)
+{
+    const QString name
+        = QString::fromLatin1(QMetaEnum::fromType<cImgType::ImageTypes>().valueToKey(int(i_type)));
+    // The others have a number of channels of their own.
+    const bool fixed
+        = i_type == cImgType::RGB24 || i_type == cImgType::RGB32 || i_type >= cImgType::Gradient16;
+    if (fixed || i_channels == 0)
+        return name;
+    return QStringLiteral("%1 of %2 channel%3")
+        .arg(name)
+        .arg(i_channels)
+        .arg(i_channels == 1 ? QString() : QStringLiteral("s"));
+}
+
 QString cSupportedImages::describe(const cImg& i_image)
 {
-    return kindText(i_image.getImgType().getTypeId(), i_image.getNumChannels());
+    return describe(i_image.getImgType().getTypeId(), i_image.getNumChannels());
 }

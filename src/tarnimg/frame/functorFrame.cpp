@@ -60,7 +60,9 @@ void noteCut(const CutValue& i_value)
                        "would act as %5")
             .arg(i_value.bits)
             .arg(text(i_value.least), text(i_value.greatest), text(i_value.found), text(i_value.actsAs)),
-        QStringLiteral("give a number of this range, or convert the images to a type that holds it")});
+        i_value.isScaled
+            ? QStringLiteral("give short binary fractions, such as 1.25, which leave more room")
+            : QStringLiteral("give a number of this range, or convert the images to a type that holds it")});
 }
 
 void checkInput(const cImgFunctor& i_functor, const cImg& i_image, const char* i_operator)

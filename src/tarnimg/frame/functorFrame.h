@@ -40,6 +40,7 @@ struct CutValue {
     double greatest;
     double found;
     double actsAs;
+    bool isScaled; ///< by a power of two, which a fraction needs and which takes room
 };
 
 /** Notes such a value as a misfit of the step that is under way; the step goes on with what it acts as. */

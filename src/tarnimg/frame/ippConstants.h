@@ -53,7 +53,7 @@ template <class T> T pixelConstant(const char* i_param, double i_value, double i
         using Limits = std::numeric_limits<T>;
         if (double(pixel) != std::trunc(i_value))
             noteCut({i_param, int(8 * sizeof(T)), double(Limits::min()) / i_unit,
-                double(Limits::max()) / i_unit, i_value / i_unit, double(pixel) / i_unit});
+                double(Limits::max()) / i_unit, i_value / i_unit, double(pixel) / i_unit, i_unit != 1});
     }
     return pixel;
 }

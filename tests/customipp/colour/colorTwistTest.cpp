@@ -71,6 +71,16 @@ TEST_P(colorTwistTest, NumbersWithoutBoundAndWithoutValueEndInTheRange)
     expectMatrix({{1e9f, 0, 0, 0}, {-1e9f, 0, 0, 0}, {0, 0, 0, 4294967296.0f}});
 }
 
+TEST_P(colorTwistTest, SumsFarBeyondAByteEndInTheRange)
+{
+    // Up to 32000 and beyond: below that 16 bits hold them, with a sign.
+    for (const float factor : {1.0f, 41.8f, 42.5f, 43.0f, 86.0f, 300.0f})
+        expectMatrix(
+            {{factor, factor, factor, 0}, {-factor, -factor, -factor, 0}, {factor, -factor, 0.5f, 0}});
+    for (const float shift : {31700.0f, 31990.0f, 32767.0f, 32768.0f, 65536.0f})
+        expectMatrix({{-1, 0, 0, shift}, {1, 0, 0, -shift}, {0, 0, 1, shift - 31990}});
+}
+
 TEST_P(colorTwistTest, TiesGoToTheEvenNumberAndTheIdentityCopies)
 {
     const Matrix half {{1, 0, 0, 0.5f}, {0, 1, 0, 0.5f}, {0, 0, 1, -0.5f}};

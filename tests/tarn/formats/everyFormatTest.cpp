@@ -7,6 +7,7 @@
 #include <QImage>
 #include <tarnbase/cMapObj.h>
 #include <tarnbase/cTracer.h>
+#include <tarnimg/cSupportedImages.h>
 
 namespace {
 
@@ -60,6 +61,7 @@ TEST_P(everyPixelType, IsReadBackToTheBitOrRefused)
             ++held;
             ASSERT_EQ(messageOf([&] { host::writeImage(name, image); }), "no failure");
             EXPECT_TRUE(sameBytes(host::readImage(name), image));
+            EXPECT_EQ(host::peekImage(name), cSupportedImages::describe(image));
         }
     EXPECT_GT(held, 0);
 }

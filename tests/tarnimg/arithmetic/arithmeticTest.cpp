@@ -166,6 +166,8 @@ TEST(twoImagesTest, TheChecksComeInTheirOrder)
         EXPECT_EQ(says(rgb24, rgb32), op + ": Image types must be equal.");
         EXPECT_EQ(says(small, largeOfThree), op + ": Number of channels must be equal.");
         EXPECT_EQ(says(small, large), op + ": Image sizes must be equal.");
+        EXPECT_EQ(says(invalid, wide16), op + ": Invalid image.");
+        EXPECT_EQ(says(smallOfThree, largeOfThree), op + ": Image sizes must be equal.");
         EXPECT_EQ(says(smallOfThree, smallOfThree),
             op + ": Unsupported image format (UInt8) or channel count (3).");
         EXPECT_EQ(says(complex, complex), op + ": Unsupported image format (Complex) or channel count (2).");

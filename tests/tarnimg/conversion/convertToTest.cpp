@@ -298,6 +298,19 @@ TEST(convertToTest, AnInputRangeOfZeroToZeroIsNoInputRange)
     EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8> {0, 127, 255})); // 50 * 2.55 is less than 127.5
 }
 
+TEST(convertToTest, ARangeWithOneEndAtZeroIsARange)
+{
+    const cImg source = rowOf<qint16>(cImgType::SInt16, {-100, 0, 100});
+    cImg result;
+    const cMapObj input = oneRange("inputRange", -100, 0);
+    ASSERT_TRUE(source.convertTo(cImgType::UInt8, result, &input));
+    EXPECT_EQ(valuesOf<quint8>(result), (std::vector<quint8> {0, 255, 255}));
+    const cMapObj both = rangeParams({0, 100}, {-20, 0});
+    ASSERT_TRUE(source.convertTo(cImgType::SInt8, result, &both));
+    EXPECT_EQ(valuesOf<qint8>(result), (std::vector<qint8> {-20, -20, 0}));
+    EXPECT_TRUE(hasRange(result, -20, 0));
+}
+
 TEST(convertToTest, AnInputRangeWithoutWidthIsNoInputRange)
 {
     const cImg source = rowOf<qint8>(cImgType::SInt8, {-128, 127});

@@ -81,7 +81,8 @@ TEST_P(roundingTest, OneNaNAmongNumbersBecomesTheLeastValue)
     }
     for (const reference::Type to : reference::everyType)
         if (reference::isSupported(reference::Float32, to))
-            for (const Range& output : {Range {0, 127}, Range {5, 99.5}})
+            for (const Range& output :
+                {Range {0, 127}, Range {5, 99.5}, Range {-128, 127}, Range {-32768, 32767}})
                 expectConversion(image, to, {-10, 120}, output);
 }
 
@@ -111,4 +112,27 @@ TEST_P(roundingTest, WholeFactorsGiveTheReferencesPixels)
                             expectConversion(
                                 source, to, input, {offset, offset + factor * (input.high - input.low)});
     }
+}
+
+TEST_P(roundingTest, IntegersOntoBytesAreRoundedAsInTheReference)
+{
+    std::mt19937 random(9);
+    for (const Range& input : {Range {-2147483648.0, 2147483647.0}, Range {-300, 300}, Range {0, 100000},
+             Range {-1e9, 3e8}, Range {-70.5, 999.25}, Range {0, 4294967295.0}})
+        for (const Range& output : {Range {0, 255}, Range {-128, 127}, Range {3.5, 250}, Range {-0.75, 254},
+                 Range {-100, 155}, Range {200, 455.5}}) {
+            // Next to each half, and anything between.
+            reference::Image image(reference::SInt32, 512, 5);
+            const double step = (input.high - input.low) / (output.high - output.low);
+            for (int i = 0; i < 512 * 5; ++i) {
+                const double half = std::floor(output.low) + i / 10 + 0.5;
+                const double v = i % 2 == 0
+                    ? input.low + (half - output.low) * step + i / 2 % 5 - 2
+                    : input.low + double(random()) / 4294967296.0 * (input.high - input.low);
+                const auto value = int32_t(std::min(std::max(std::round(v), -2147483648.0), 2147483647.0));
+                std::memcpy(image.bytes.data() + size_t(i) * sizeof value, &value, sizeof value);
+            }
+            for (const reference::Type to : {reference::UInt8, reference::SInt8})
+                expectConversion(image, to, input, output);
+        }
 }

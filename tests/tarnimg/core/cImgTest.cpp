@@ -210,6 +210,7 @@ TEST(cImg, TheTypeInvalidIsNotValidInSilence)
     EXPECT_EQ(image.clone().getWidth(), 5u);
     EXPECT_EQ(cImg(image, false, Rect(1, 1, 2, 2)).getWidth(), 2u);
     EXPECT_EQ(image.getData(), nullptr);
+    EXPECT_EQ(image.imgType().getTypeId(), cImgType::Invalid);
     EXPECT_EQ(trace.take(), QStringList());
 }
 
@@ -610,6 +611,12 @@ TEST(cImg, ResizeGivesNewPixelsAndLeavesViewsTheOldOnes)
     EXPECT_NE(image.getConstData(), view.getConstData() - 10);
     EXPECT_EQ(view.getPixel<quint8>(0, 0), 10);
 
+    image.resize(16, 3);
+    EXPECT_EQ(image.getHeight(), 3u);
+    EXPECT_EQ(image.getFrameSize(), 48u);
+    image.resize(5, 3);
+    EXPECT_EQ(image.getYPitch(), 5u);
+
     cImg shared(view);
     cImg alone(image, false, Rect(3, 1, 2, 1));
     for (cImg* part : {&shared, &alone}) {
@@ -828,6 +835,11 @@ TEST(cImg, GapsBetweenPixelsAreNoPixels)
     cImg packed(cImgType::UInt8, 3, 2);
     packed.copyFrom(image);
     EXPECT_TRUE(samePixels(packed, expected));
+
+    unsigned char threes[] = {1, 2, 3, 99, 4, 5, 6, 99};
+    cImg first(cImgType::UInt8, 2, 1);
+    first.copyFrom(cImg(cImgType::UInt8, 2, 1, 4, 8, threes, nullptr, 3));
+    EXPECT_TRUE(samePixels(first, makeImage<quint8>(cImgType::UInt8, {{1, 4}})));
 
     cImg target(cImgType::UInt8, 3, 2, 2, 7, memory, nullptr);
     target.copyFrom(makeImage<quint8>(cImgType::UInt8, {{11, 12}}), Point(1, 0));

@@ -190,6 +190,14 @@ TEST(imgStreams, OfACompactImageHaveItsWholeBuffer)
     EXPECT_TRUE(samePixels(readBack(bytesOf(image.clone())), image));
 }
 
+TEST(imgStreams, OfAViewHaveItsRowsWithTheGapsBetweenPixels)
+{
+    unsigned char memory[] = {1, 99, 2, 98, 3, 97, 4, 96, 5, 95, 6, 94};
+    const cImg parent(cImgType::UInt8, 3, 2, 2, 6, memory, nullptr);
+    EXPECT_EQ(bytesOf(cImg(parent, false, cRect<int>(1, 0, 2, 2))).right(9),
+        QByteArray("\n\x02\x62\x03\x61\x05\x5f\x06\x5e")); // behind the last letter of the attributes
+}
+
 TEST(imgStreams, CarryImagesWithoutPixels)
 {
     const cImg nothing = readBack(bytesOf(cImg()));

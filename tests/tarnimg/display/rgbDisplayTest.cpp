@@ -156,6 +156,26 @@ TEST_P(rgbDisplayTest, AnyLayout)
         }
 }
 
+TEST(rgbDisplay, ARangeOfAllLevelsChangesNothingWhereverItBegins)
+{
+    for (const auto type : {cImgType::RGB24, cImgType::RGB32}) {
+        cImg image = makeRandomImage(type, 30, 3);
+        const auto expectLevels = [&](bool stay) {
+            setStyle(image, "Default");
+            expectColours(image, show(image), [&](Pixel p) {
+                return stay ? p : Pixel {{0, 0, 0}, image.getNumChannels() == 4 ? 0 : 255};
+            });
+            setStyle(image, "Green");
+            expectGreys(image, show(image), [&](Pixel p) { return stay ? p.rgb[1] : 0; });
+        };
+        image.setRange(510, 600); // which limiting makes 255 to 510
+        ASSERT_EQ(image.getRange(), cDblRange(255, 510));
+        expectLevels(true);
+        image.setRange(509.9, 600);
+        expectLevels(false);
+    }
+}
+
 TEST(rgbDisplay, ComponentsHaveTheirColours)
 {
     cImg image = makeRandomImage(cImgType::RGB32, 4, 2);
