@@ -45,7 +45,7 @@ public:
     /**
      * An image over memory from outside, which holds at least y pitch * height bytes.
      *
-     * @param i_xPitch 0 counts as 1
+     * @param i_xPitch 0 counts as 1; raised to the size of a pixel if it is less, with what depends on it
      * @param i_yPitch raised to x pitch * width if it is less
      * @param i_deleter is called with the memory when the last image lets go of it; empty to leave it to the
      * caller
