@@ -22,6 +22,11 @@ public:
      * on "angle" (in degrees; "absolute" shows its amount). "factor" has no effect.
      */
     QImage makeDisplayImage(const cImg& i_image) override;
+    /**
+     * Dx or Dy, by the style, as an indexed picture: the range's low end is black, its high end white. Null
+     * for an image of another type.
+     */
+    virtual void makeComponentImage(const cImg& i_image, QImage& io_out);
     cMapObj getParams() const override;
     void setParams(const cMapObj& i_params) override;
     /** Takes a `T`. */
@@ -29,8 +34,6 @@ public:
 
 protected:
     explicit cImgTypeGradient(ImageTypes i_type);
-    /** Dx or Dy, by the style, as an indexed picture: the range's low end is black, its high end white. */
-    virtual void makeComponentImage(const cImg& i_image, QImage& io_out);
 
 private:
     void setNumChannels(unsigned i_channels) override;
@@ -40,5 +43,5 @@ private:
     double m_angle = 0.0;
 };
 
-extern template class cImgTypeGradient<QPair<short, short>>;
-extern template class cImgTypeGradient<QPair<int, int>>;
+extern template class TARNIMG_EXPORT cImgTypeGradient<QPair<short, short>>;
+extern template class TARNIMG_EXPORT cImgTypeGradient<QPair<int, int>>;

@@ -101,6 +101,10 @@ template <class T> QImage cImgTypeGradient<T>::makeDisplayImage(const cImg& i_im
 template <class T> void cImgTypeGradient<T>::makeComponentImage(const cImg& i_image, QImage& io_out)
 {
     using Component = typename T::first_type;
+    if (!i_image.isKindOf(getTypeId())) {
+        io_out = QImage();
+        return;
+    }
     makeDisplayImageHelper(i_image, io_out);
     io_out = display::checkedPicture(std::move(io_out));
     display::Rendering rendering(i_image);

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
+#include <tarnimg/cImgTypeGradient.h>
 
 using namespace displayTesting;
 using reference::Range;
@@ -141,6 +142,26 @@ TEST_P(gradientDisplayTest, AnyLayout)
                 EXPECT_EQ(bytesOf(show(other)), bytesOf(show(image))) << type << style;
             }
         }
+}
+
+TEST(gradientDisplay, AComponentAloneIsThatOfTheStyleAndNothingOfOtherImages)
+{
+    cImg image = makeImage<short>(cImgType::Gradient16, {{-32768, 32767, 32767, -32768}});
+    auto& type = dynamic_cast<cImgTypeGradient<QPair<short, short>>&>(image.imgType());
+    QImage out;
+    type.makeComponentImage(image, out);
+    ASSERT_EQ(out.size(), QSize(2, 1));
+    EXPECT_EQ(out.pixelIndex(0, 0), 0);
+    EXPECT_EQ(out.pixelIndex(1, 0), 255);
+    type.setStyle(QStringLiteral("Dy"));
+    type.makeComponentImage(image, out);
+    EXPECT_EQ(out.pixelIndex(0, 0), 255);
+    EXPECT_EQ(out.pixelIndex(1, 0), 0);
+    for (const cImg& other : {cImg(), makeImage<short>(cImgType::SInt16, {{1, 2}})}) {
+        out = QImage(2, 1, QImage::Format_Indexed8);
+        type.makeComponentImage(other, out);
+        EXPECT_TRUE(out.isNull());
+    }
 }
 
 TEST(gradientDisplay, DirectionsHaveColoursOfTheirOwnAndTheOtherStylesGrey)
