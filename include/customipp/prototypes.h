@@ -204,8 +204,8 @@
     CUSTOMIPP_EXPORT IppStatus symbol(const S* pSrc, int srcStep, D* pDst, int dstStep, IppiSize roiSize,    \
         int noise, IppiDitherType dtype, int levels, Ipp8u* pBuffer);
 
-/* Pixels through a table: the size of the spec structure, its making, and its use. L is the type of levels and
- * values.
+/* Pixels through a table: the size of the spec structure, its making, and its use. L is the type of levels
+ * and values.
  */
 #define CUSTOMIPP_LUT_SIZE(symbol)                                                                           \
     CUSTOMIPP_EXPORT IppStatus symbol(IppiInterpolationType interpolation, IppDataType dataType,             \

@@ -72,10 +72,7 @@ cImg::cImg(const cImg& i_other, bool i_deepCopy, const cRect<int>& i_rect) : m_d
             *i_other.m_data, i_deepCopy ? cImgData::CopiedPixels : cImgData::SharedPixels, i_rect);
 }
 
-cImg& cImg::operator=(const cImg& i_other)
-{
-    return *this = cImg(i_other);
-}
+cImg& cImg::operator=(const cImg& i_other) { return *this = cImg(i_other); }
 
 cImg& cImg::operator=(cImg&& io_other) noexcept
 {

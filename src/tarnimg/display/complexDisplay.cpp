@@ -1,6 +1,6 @@
 // How complex images are shown.
-#include "display/complexColours.h"
 #include "display/channelRows.h"
+#include "display/complexColours.h"
 #include "display/complexRows.h"
 #include "display/picture.h"
 #include "display/rendering.h"
