@@ -4,6 +4,13 @@
 
 #include <algorithm>
 
+cOptions::cOptions(const QList<Spec>& i_specs)
+    : m_specs(i_specs
+        + QList<Spec> {
+            {QStringLiteral("--help"), QString(), QStringLiteral("this text"), QStringLiteral("-h")}})
+{
+}
+
 const cOptions::Spec* cOptions::find(const QString& i_name) const
 {
     const auto found = std::find_if(m_specs.begin(), m_specs.end(), [&](const Spec& i_spec) {

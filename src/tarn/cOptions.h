@@ -20,7 +20,8 @@ public:
         QString alias = QString(); ///< another name for it
     };
 
-    explicit cOptions(QList<Spec> i_specs) : m_specs(std::move(i_specs)) {}
+    /** Besides these there is always --help. */
+    explicit cOptions(const QList<Spec>& i_specs = {});
 
     /** @return what is wrong: a message and, after a line end, help; empty if nothing is */
     QString parse(const QStringList& i_words);

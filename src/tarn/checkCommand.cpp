@@ -26,19 +26,11 @@ QString usage(const cOptions& i_options)
 
 EExit checkCommand(const QStringList& i_words)
 {
-    cOptions options(cGraphInput::options()
-        + QList<cOptions::Spec> {
-            {QStringLiteral("--help"), QString(), QStringLiteral("this text"), QStringLiteral("-h")},
-        });
-    QString problem = options.parse(i_words);
-    if (!problem.isEmpty())
-        return refuse(s_name, problem);
-    if (options.has(QStringLiteral("--help"))) {
-        print(usage(options));
-        return EExit::Good;
-    }
+    cOptions options(cGraphInput::options());
+    if (const auto end = readWords(s_name, i_words, options, usage))
+        return *end;
     cGraphInput input;
-    problem = input.read(options, s_name);
+    const QString problem = input.read(options, s_name);
     if (!problem.isEmpty())
         return refuse(s_name, problem);
     cConsole console(stderr, isatty(STDERR_FILENO));

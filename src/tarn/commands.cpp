@@ -1,6 +1,7 @@
 #include "commands.h"
 
 #include "cDiagnostic.h"
+#include "cOptions.h"
 #include "cRunner.h"
 
 #include <cstdio>
@@ -53,6 +54,18 @@ EExit refuse(const QString& i_command, const QString& i_message)
     const QByteArray bytes = text.toUtf8();
     std::fwrite(bytes.constData(), 1, std::size_t(bytes.size()), stderr);
     return EExit::BadUsage;
+}
+
+std::optional<EExit> readWords(const QString& i_command, const QStringList& i_words, cOptions& io_options,
+    QString (*i_usage)(const cOptions&))
+{
+    const QString problem = io_options.parse(i_words);
+    if (!problem.isEmpty())
+        return refuse(i_command, problem);
+    if (!io_options.has(QStringLiteral("--help")))
+        return {};
+    print(i_usage(io_options));
+    return EExit::Good;
 }
 
 EExit runTarn(const QStringList& i_words)

@@ -2,7 +2,9 @@
 
 #include <QString>
 #include <QStringList>
+#include <optional>
 
+class cOptions;
 class cPortBase;
 class cStation;
 
@@ -30,6 +32,14 @@ void print(const QString& i_text);
 /** Writes "tarn <command>: error: message" and the help in its second line, if it has one; for the caller to
  * return. */
 EExit refuse(const QString& i_command, const QString& i_message);
+
+/**
+ * Reads the words after a command's name.
+ *
+ * @return the exit code if that ends the command: the words are wrong, or --help has printed the usage
+ */
+std::optional<EExit> readWords(const QString& i_command, const QStringList& i_words, cOptions& io_options,
+    QString (*i_usage)(const cOptions&));
 
 /** What an input takes or an output gives, such as "image: UInt8 of 1 channel, RGB24" or "number". */
 QString describeValues(const cPortBase& i_port);

@@ -29,7 +29,6 @@ cOptions makeOptions()
         {QStringLiteral("--range"), QStringLiteral("LOW,HIGH"),
             QStringLiteral("the input's values that --type stretches onto the range of the type")},
         {QStringLiteral("--quiet"), QString(), QStringLiteral("failures only"), QStringLiteral("-q")},
-        {QStringLiteral("--help"), QString(), QStringLiteral("this text"), QStringLiteral("-h")},
     });
 }
 
@@ -235,20 +234,15 @@ private:
 EExit convertCommand(const QStringList& i_words)
 {
     cOptions options = makeOptions();
-    QString problem = options.parse(i_words);
-    if (!problem.isEmpty())
-        return refuse(s_name, problem);
-    if (options.has(QStringLiteral("--help"))) {
-        print(usage(options));
-        return EExit::Good;
-    }
+    if (const auto end = readWords(s_name, i_words, options, usage))
+        return *end;
     const QStringList& words = options.getRest();
     if (words.size() < 2)
         return refuse(s_name,
             QStringLiteral("expected an input and an output, found %1\n'tarn convert --help' tells more")
                 .arg(words.size()));
     Task task;
-    problem = readType(options, task);
+    QString problem = readType(options, task);
     if (problem.isEmpty())
         problem = readInputs(words.mid(0, words.size() - 1), task);
     if (problem.isEmpty())

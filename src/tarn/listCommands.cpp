@@ -10,10 +10,19 @@
 namespace host {
 namespace {
 
-cOptions makeOptions()
+QString usageOfList(const cOptions& i_options)
 {
-    return cOptions(
-        {{QStringLiteral("--help"), QString(), QStringLiteral("this text"), QStringLiteral("-h")}});
+    return QStringLiteral("usage: tarn list [TEXT]\n\nThe stations whose identifier or summary has the text, "
+                          "or all.\n\n")
+        + i_options.usage();
+}
+
+QString usageOfInspect(const cOptions& i_options)
+{
+    return QStringLiteral("usage: tarn inspect STATION\n\n"
+                          "Everything about a station, which is named by its identifier or the unique end "
+                          "of one.\n\n")
+        + i_options.usage();
 }
 
 } // namespace
@@ -21,16 +30,9 @@ cOptions makeOptions()
 EExit listCommand(const QStringList& i_words)
 {
     const QString name = QStringLiteral("list");
-    cOptions options = makeOptions();
-    const QString problem = options.parse(i_words);
-    if (!problem.isEmpty())
-        return refuse(name, problem);
-    if (options.has(QStringLiteral("--help"))) {
-        print(QStringLiteral("usage: tarn list [TEXT]\n\nThe stations whose identifier or summary has the "
-                             "text, or all.\n\n")
-            + options.usage());
-        return EExit::Good;
-    }
+    cOptions options;
+    if (const auto end = readWords(name, i_words, options, usageOfList))
+        return *end;
     if (options.getRest().size() > 1)
         return refuse(
             name, QStringLiteral("expected one text to look for, found %1").arg(options.getRest().size()));
@@ -60,17 +62,9 @@ EExit listCommand(const QStringList& i_words)
 EExit inspectCommand(const QStringList& i_words)
 {
     const QString name = QStringLiteral("inspect");
-    cOptions options = makeOptions();
-    const QString problem = options.parse(i_words);
-    if (!problem.isEmpty())
-        return refuse(name, problem);
-    if (options.has(QStringLiteral("--help"))) {
-        print(QStringLiteral("usage: tarn inspect STATION\n\nEverything about a station, which is named by "
-                             "its identifier or "
-                             "the unique end of one.\n\n")
-            + options.usage());
-        return EExit::Good;
-    }
+    cOptions options;
+    if (const auto end = readWords(name, i_words, options, usageOfInspect))
+        return *end;
     if (options.getRest().size() != 1)
         return refuse(name,
             QStringLiteral("expected one station, found %1\n'tarn list' names them")

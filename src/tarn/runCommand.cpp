@@ -27,7 +27,6 @@ cOptions makeOptions()
                 QStringLiteral("-q")},
             {QStringLiteral("--verbose"), QString(), QStringLiteral("failures as they happen, and the trace"),
                 QStringLiteral("-v")},
-            {QStringLiteral("--help"), QString(), QStringLiteral("this text"), QStringLiteral("-h")},
         });
 }
 
@@ -106,15 +105,10 @@ private:
 EExit runCommand(const QStringList& i_words)
 {
     cOptions options = makeOptions();
-    QString problem = options.parse(i_words);
-    if (!problem.isEmpty())
-        return refuse(s_name, problem);
-    if (options.has(QStringLiteral("--help"))) {
-        print(usage(options));
-        return EExit::Good;
-    }
+    if (const auto end = readWords(s_name, i_words, options, usage))
+        return *end;
     cGraphInput input;
-    problem = input.read(options, s_name);
+    const QString problem = input.read(options, s_name);
     if (!problem.isEmpty())
         return refuse(s_name, problem);
     cRunOptions chosen;

@@ -36,7 +36,6 @@ cOptions makeOptions()
             QStringLiteral("prints the values of a pixel; may be given more than once")},
         {QStringLiteral("--sheet"), QStringLiteral("PICTURE"),
             QStringLiteral("draws all pixel types in all styles, from test images")},
-        {QStringLiteral("--help"), QString(), QStringLiteral("this text"), QStringLiteral("-h")},
     });
 }
 
@@ -201,13 +200,8 @@ bool drawsText(const QStringList& i_words)
 EExit showCommand(const QStringList& i_words)
 {
     cOptions options = makeOptions();
-    const QString problem = options.parse(i_words);
-    if (!problem.isEmpty())
-        return refuse(s_name, problem);
-    if (options.has(QStringLiteral("--help"))) {
-        print(usage(options));
-        return EExit::Good;
-    }
+    if (const auto end = readWords(s_name, i_words, options, usage))
+        return *end;
     if (options.has(QStringLiteral("--sheet")))
         return showSheet(options);
     if (options.getRest().size() != 1)

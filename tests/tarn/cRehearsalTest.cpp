@@ -1,3 +1,5 @@
+#include "cHoardingStation.h"
+
 #include <cConsole.h>
 #include <cFileFormat.h>
 #include <cPipelineBuilder.h>
@@ -20,29 +22,6 @@
 #include <tarnimg/imagePortGroups.h>
 
 namespace {
-
-/** Gives no buffer back until it is stopped. */
-class cKeepingStation : public cStation {
-public:
-    cKeepingStation() : m_group(this, &cKeepingStation::process, QStringLiteral("img")) {}
-    ~cKeepingStation() override { stop(); }
-    void stop() override
-    {
-        cStation::stop();
-        for (cBuffer* buffer : qAsConst(m_kept))
-            buffer->releaseAndUnrefBufferAtPort();
-        m_kept.clear();
-    }
-
-private:
-    void process(cBufferT<cImg>* i_buffer)
-    {
-        i_buffer->ref();
-        m_kept.append(i_buffer);
-    }
-    QList<cBuffer*> m_kept;
-    cPortGroup<cImg> m_group;
-};
 
 /** Sends more images than its pool has buffers. */
 class cBurstStation : public cStation {
@@ -76,7 +55,7 @@ protected:
         host::registerFileFormats();
         host::registerStations();
         cStation::registercStation(
-            QStringLiteral("test/keep"), []() -> cStation* { return new cKeepingStation; });
+            QStringLiteral("test/keep"), []() -> cStation* { return new cHoardingStation; });
         cStation::registercStation(
             QStringLiteral("test/burst"), []() -> cStation* { return new cBurstStation; });
         write("grey.png", cImgType::UInt8);

@@ -37,19 +37,20 @@ TEST(cOptions, RefusesWhatIsNotDeclared)
     EXPECT_EQ(makeOptions().parse({QStringLiteral("--limt"), QStringLiteral("3")}),
         QStringLiteral("unknown option, found '--limt'\ndid you mean '--limit'?"));
     EXPECT_EQ(makeOptions().parse({QStringLiteral("--realtime")}),
-        QStringLiteral("unknown option, found '--realtime'\nknown: -e, --limit, --quiet, -q"));
+        QStringLiteral("unknown option, found '--realtime'\nknown: -e, --limit, --quiet, -q, --help, -h"));
     EXPECT_EQ(makeOptions().parse({QStringLiteral("--limit")}),
         QStringLiteral("the option --limit needs a value, expected --limit N"));
     EXPECT_EQ(makeOptions().parse({QStringLiteral("--quiet=yes")}),
         QStringLiteral("the option --quiet takes no value, found '--quiet=yes'"));
 }
 
-TEST(cOptions, DescribesThem)
+TEST(cOptions, DescribesThemAndHelp)
 {
     EXPECT_EQ(makeOptions().usage(),
         QStringLiteral("  -e TEXT      the graph\n"
                        "  --limit N    the most frames\n"
-                       "  -q, --quiet  silence\n"));
+                       "  -q, --quiet  silence\n"
+                       "  -h, --help   this text\n"));
 }
 
 TEST(cProgress, TellsRateAndTimeLeft)
