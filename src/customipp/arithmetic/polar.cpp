@@ -160,7 +160,8 @@ struct Direction {
     {
         const auto zero = hn::Zero(d);
         const auto [re, im] = loadParts(d, src + 2 * x);
-        const auto isLeft = hn::Lt(re, zero), sign = hn::Add(im, zero); // -0 counts as 0
+        const auto isLeft = hn::Lt(re, zero);
+        const auto sign = hn::Add(im, zero); // -0 counts as 0
         // Floats without a sign have the order of their bits, and what is no number is the greatest.
         const hn::RebindToSigned<D> di;
         const auto width = hn::BitCast(di, hn::Abs(re)), height = hn::BitCast(di, hn::Abs(im));

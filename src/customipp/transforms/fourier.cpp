@@ -156,12 +156,12 @@ HWY_INLINE void sequencesAt(D d, const Stage<T>& stage, size_t p)
         for (size_t lane = 0; lane < batchLanes<T>; lane += hn::Lanes(d)) {
             Complex<V> z[Radix];
             HWY_UNROLL(8)
-            for (int k = 0; k < Radix; ++k)
+            for (size_t k = 0; k < size_t(Radix); ++k)
                 z[k] = {hn::Load(d, from + k * distance + stage.re + lane),
                     hn::Load(d, from + k * distance + stage.im + lane)};
             Butterfly<Radix>::run(z);
             HWY_UNROLL(8)
-            for (int k = 0; k < Radix; ++k) {
+            for (size_t k = 0; k < size_t(Radix); ++k) {
                 if (Turn && k > 0)
                     z[k] = z[k]
                         * Complex<V> {hn::Set(d, twiddles[2 * k - 2]), hn::Set(d, twiddles[2 * k - 1])};

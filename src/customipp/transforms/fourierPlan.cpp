@@ -28,11 +28,13 @@ template <class Function> void forEachStage(int length, Function&& function)
     for (const int radix : {5, 3})
         while (rest % radix == 0)
             take(radix);
-    for (int radix = 7; rest > 1; radix += 2) {
+    int radix = 7;
+    while (rest > 1) {
         if (radix > rest / radix)
             radix = rest; // nothing smaller divides it
         while (rest % radix == 0)
             take(radix);
+        radix += 2;
     }
 }
 
