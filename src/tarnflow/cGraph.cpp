@@ -59,7 +59,7 @@ bool cGraph::isGraph() const { return true; }
 QString cGraph::freeName(const QString& i_stem) const
 {
     for (int number = 1;; ++number) {
-        const QString name = i_stem + QString::number(number);
+        QString name = i_stem + QString::number(number);
         if (!findNode(name))
             return name;
     }

@@ -6,6 +6,7 @@
 #include <QImage>
 #include <QImageReader>
 #include <QImageWriter>
+#include <QSize>
 #include <QVector>
 #include <QtEndian>
 #include <algorithm>
@@ -32,6 +33,8 @@ QImage wrap(const cImg& i_image)
     }
     return image;
 }
+
+quint64 pixelsOf(const QSize& i_size) { return quint64(i_size.width()) * quint64(i_size.height()); }
 
 } // namespace
 
@@ -62,7 +65,7 @@ cImg cQImageFormat::decode(const unsigned char* i_data, std::size_t i_size) cons
         raise(QStringLiteral("%1: damaged, or not of this format").arg(getName()));
     // QImage keeps colour in four bytes while it decodes.
     checkSize(quint64(size.width()), quint64(size.height()), 4);
-    checkEnd(i_data, i_size);
+    checkBytes(i_data, i_size, size);
     QImage image;
     if (!reader.read(&image))
         raise(QStringLiteral("%1: %2").arg(getName(), reader.errorString()));
@@ -93,8 +96,11 @@ cJpegFormat::cJpegFormat()
 
 cImgIO* cJpegFormat::clone() const { return new cJpegFormat; }
 
-void cJpegFormat::checkEnd(const unsigned char* i_data, std::size_t i_size) const
+void cJpegFormat::checkBytes(const unsigned char* i_data, std::size_t i_size, const QSize& i_pixels) const
 {
+    // A block of 8x8 samples takes a bit at the least. Of each 64 pixels there is a block, or of each 128, if
+    // no component has the full resolution in both directions.
+    checkRatio(pixelsOf(i_pixels), i_size, 1024);
     // From marker to marker; pictures within the first segments have ends of their own.
     std::size_t place = 2;
     while (place + 1 < i_size) {
@@ -120,7 +126,7 @@ cBmpFormat::cBmpFormat()
 
 cImgIO* cBmpFormat::clone() const { return new cBmpFormat; }
 
-void cBmpFormat::checkEnd(const unsigned char* i_data, std::size_t i_size) const
+void cBmpFormat::checkBytes(const unsigned char* i_data, std::size_t i_size, const QSize& i_pixels) const
 {
     constexpr std::size_t header = 14, oldHeader = 12, usualHeader = 40;
     if (i_size < header + oldHeader)
@@ -139,4 +145,6 @@ void cBmpFormat::checkEnd(const unsigned char* i_data, std::size_t i_size) const
     // Of run lengths only the header tells how many bytes there are, if it does.
     const quint64 rows = (width * bits + 31) / 32 * 4 * (height - 1) + (width * bits + 7) / 8;
     checkLength(isRunLength ? quint32(at(34)) : rows, i_size - std::min<quint64>(offset, i_size));
+    if (isRunLength) // four bytes skip 255 columns and rows
+        checkRatio(pixelsOf(i_pixels), i_size, 255 * 255 / 4);
 }

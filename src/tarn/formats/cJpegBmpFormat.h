@@ -5,6 +5,7 @@
 #include <QByteArray>
 
 class QImage;
+class QSize;
 
 /** What the formats that go through `QImage` share: grey becomes `UInt8`, colour `RGB24`, colour with alpha
  * `RGB32`. */
@@ -17,8 +18,11 @@ protected:
     cQImageFormat(const QString& i_name, const QString& i_filter, const QByteArray& i_format, int i_quality);
     void encode(const cImg& i_image, QIODevice& io_device) const override;
     bool canHold(cImgType::ImageTypes i_type, unsigned i_channels) const override;
-    /** `QImage` takes a file that was cut, and fills up the rest; so this throws if the file has no end. */
-    virtual void checkEnd(const unsigned char* i_data, std::size_t i_size) const = 0;
+    /**
+     * `QImage` takes memory for the size in the header before it decodes, takes a file that was cut, and
+     * fills up the rest. So this throws if the bytes are too few for so many pixels, or have no end.
+     */
+    virtual void checkBytes(const unsigned char* i_data, std::size_t i_size, const QSize& i_pixels) const = 0;
 
 private:
     const QByteArray m_format;
@@ -32,7 +36,7 @@ public:
     cImgIO* clone() const override;
 
 protected:
-    void checkEnd(const unsigned char* i_data, std::size_t i_size) const override;
+    void checkBytes(const unsigned char* i_data, std::size_t i_size, const QSize& i_pixels) const override;
 };
 
 /** Windows bitmaps. Holds `UInt8` and `RGB24`; files with alpha are read as `RGB32`. */
@@ -42,5 +46,5 @@ public:
     cImgIO* clone() const override;
 
 protected:
-    void checkEnd(const unsigned char* i_data, std::size_t i_size) const override;
+    void checkBytes(const unsigned char* i_data, std::size_t i_size, const QSize& i_pixels) const override;
 };

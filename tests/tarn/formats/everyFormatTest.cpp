@@ -288,6 +288,32 @@ TEST_F(fileFormats, ServeTheImageCoreToo)
     EXPECT_FALSE(cPngFormat().openImgFromMemory("x", 1, cMapObj()).isValid());
 }
 
+TEST_F(fileFormats, AHeaderThatClaimsMoreThanTheBytesCanHoldTakesNoMemory)
+{
+    const auto expected = [](const QByteArray& i_bytes, int i_least) {
+        return "the file is too short for the size in its header: " + std::to_string(i_bytes.size())
+            + " bytes, expected " + std::to_string(i_least) + " at the least";
+    };
+    host::writeImage(path("a.jpg"), makeRandomImage(cImgType::UInt8, 16, 16));
+    QByteArray jpeg = bytesOf("a.jpg");
+    const int frame = jpeg.indexOf("\xff\xc0");
+    ASSERT_GT(frame, 0);
+    jpeg.replace(frame + 5, 4, QByteArray("\x4e\x20\x4e\x20")); // 20000x20000
+    writeBytes("large.jpg", jpeg);
+    EXPECT_EQ(messageOf([&] { read("large.jpg"); }), expected(jpeg, 20000 * 20000 / 1024));
+
+    // Run lengths that end at once.
+    host::writeImage(path("a.bmp"), makeRandomImage(cImgType::UInt8, 16, 16));
+    QByteArray bitmap = bytesOf("a.bmp");
+    bitmap.replace(18, 8, QByteArray("\x98\x3a\0\0\x98\x3a\0\0", 8));
+    bitmap[30] = 1;
+    bitmap.replace(34, 4, QByteArray("\x02\0\0\0", 4));
+    const int pixels = bitmap.size() - 256;
+    bitmap.replace(pixels, 2, QByteArray("\0\x01", 2));
+    writeBytes("large.bmp", bitmap);
+    EXPECT_EQ(messageOf([&] { read("large.bmp"); }), expected(bitmap, 15000 * 15000 / (255 * 255 / 4)));
+}
+
 TEST_F(fileFormats, SayWhyAFileCannotBeRead)
 {
     EXPECT_EQ(messageOf([&] { read("missing.png"); }), "No such file or directory");
