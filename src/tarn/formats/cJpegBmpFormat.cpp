@@ -145,6 +145,6 @@ void cBmpFormat::checkBytes(const unsigned char* i_data, std::size_t i_size, con
     // Of run lengths only the header tells how many bytes there are, if it does.
     const quint64 rows = (width * bits + 31) / 32 * 4 * (height - 1) + (width * bits + 7) / 8;
     checkLength(isRunLength ? quint32(at(34)) : rows, i_size - std::min<quint64>(offset, i_size));
-    if (isRunLength) // four bytes skip 255 columns and rows
-        checkRatio(pixelsOf(i_pixels), i_size, 255 * 255 / 4);
+    if (isRunLength) // two bytes are a run of 255 at the most; there is room for rows that are skipped
+        checkRatio(pixelsOf(i_pixels), i_size, 1024);
 }
