@@ -132,7 +132,11 @@ void cBmpFormat::checkBytes(const unsigned char* i_data, std::size_t i_size, con
     if (i_size < header + oldHeader)
         raise(QStringLiteral("BMP: the file ends within the header"));
     const quint64 offset = qFromLittleEndian<quint32>(i_data + 10);
-    const bool old = qFromLittleEndian<quint32>(i_data + header) == oldHeader;
+    const quint32 length = qFromLittleEndian<quint32>(i_data + header);
+    const bool old = length == oldHeader;
+    // Qt takes any other for an old one, and its size from other places.
+    if (!old && length != usualHeader && length != 64 && length != 108 && length != 124)
+        raise(QStringLiteral("BMP: an unknown header of %1 bytes").arg(length));
     if (!old && i_size < header + usualHeader)
         raise(QStringLiteral("BMP: the file ends within the header"));
     const auto at

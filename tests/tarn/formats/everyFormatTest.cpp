@@ -314,6 +314,17 @@ TEST_F(fileFormats, AHeaderThatClaimsMoreThanTheBytesCanHoldTakesNoMemory)
     EXPECT_EQ(messageOf([&] { read("large.bmp"); }), expected(bitmap, 15000 * 15000 / 1024));
 }
 
+TEST_F(fileFormats, ABitmapWithAHeaderOfAnUnknownLengthIsRefused)
+{
+    host::writeImage(path("a.bmp"), makeRandomImage(cImgType::UInt8, 16, 16));
+    QByteArray bitmap = bytesOf("a.bmp");
+    // Qt would take the halves of the width for the sides, those of the height for planes and bits.
+    bitmap[14] = 3;
+    bitmap.replace(18, 8, QByteArray("\x10\0\x10\0\x01\0\x18\0", 8));
+    writeBytes("b.bmp", bitmap);
+    EXPECT_EQ(messageOf([&] { read("b.bmp"); }), "BMP: an unknown header of 3 bytes");
+}
+
 TEST_F(fileFormats, SayWhyAFileCannotBeRead)
 {
     EXPECT_EQ(messageOf([&] { read("missing.png"); }), "No such file or directory");
