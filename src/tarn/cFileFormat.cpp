@@ -8,6 +8,7 @@
 #include "formats/cStreamFormat.h"
 #include "formats/cTiffFormat.h"
 #include "formats/fileBytes.h"
+#include "imageConversion.h"
 
 #include <tarnbase/cFileSystem.h>
 #include <tarnbase/cTracer.h>
@@ -17,7 +18,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QMetaEnum>
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
@@ -32,8 +32,7 @@ using host::raise;
 
 QString typeText(cImgType::ImageTypes i_type, unsigned i_channels)
 {
-    const QString name
-        = QString::fromLatin1(QMetaEnum::fromType<cImgType::ImageTypes>().valueToKey(int(i_type)));
+    const QString name = host::typeName(i_type);
     const bool fixed
         = i_type == cImgType::RGB24 || i_type == cImgType::RGB32 || i_type >= cImgType::Gradient16;
     return fixed ? name

@@ -7,7 +7,6 @@
 #include "imageConversion.h"
 
 #include <QDeadlineTimer>
-#include <QMetaEnum>
 #include <QSet>
 #include <algorithm>
 #include <numeric>
@@ -66,18 +65,10 @@ bool takesComputedValues(const cStation& i_station)
     });
 }
 
-/** The port or parameter of the station that a misfit is about; empty for the station itself. */
-QString nameIn(const cStation& i_station, const cGraphError& i_misfit)
-{
-    return i_misfit.place.mid(i_station.getPathName().size() + 1);
-}
-
 /** Whether the run is bound to meet it too. */
 bool isCertain(const cGraphError& i_misfit, const cStation& i_station)
 {
-    const QString name = nameIn(i_station, i_misfit);
-    const bool isParam = !name.isEmpty() && !i_station.getInport(name);
-    return !isParam || !takesComputedValues(i_station);
+    return !host::isAboutParam(i_misfit, i_station) || !takesComputedValues(i_station);
 }
 
 /** The first of the types that files with such images can be converted to. */
@@ -89,8 +80,7 @@ QString howToConvert(const cImg& i_image, const cSupportedImages& i_taken)
             const cImg converted = host::convertImage(pixel, type, {}).image;
             if (i_taken.takes(converted))
                 return QStringLiteral("convert the files, as in: tarn convert --type %1 INPUT... OUTPUT")
-                    .arg(QString::fromLatin1(
-                        QMetaEnum::fromType<cImgType::ImageTypes>().valueToKey(int(type))));
+                    .arg(host::typeName(type));
         } catch (const std::exception&) {
             // Then perhaps to the next.
         }
@@ -218,7 +208,8 @@ cGraphError cRehearsal::explain(const cGraphError& i_misfit, const cStation& i_s
 {
     cGraphError misfit = i_misfit;
     const cDfpNode* node = m_graph.findNode(i_station.getPathName());
-    const auto* port = dynamic_cast<const cIPort<cImg>*>(node->getInport(nameIn(i_station, i_misfit)));
+    const auto* port
+        = dynamic_cast<const cIPort<cImg>*>(node->getInport(host::nameWithin(i_misfit, i_station)));
     const auto senders = port ? port->getLinkedPorts() : QList<cPortBase*>();
     cDfpNode* sender = senders.isEmpty() ? nullptr : senders.first()->getNode();
     const QString file = host::nameGivingFile(host::sourcesOf(sender ? *sender : *node), i_stamp);

@@ -242,8 +242,7 @@ void cRunner::reportCutParams()
         const auto misfits = station->getMisfits();
         for (const cGraphError& misfit : misfits) {
             // Ports have refused what does not fit them, and steps have failed: both are told already.
-            const QString key = misfit.place.mid(station->getPathName().size() + 1);
-            if (!key.isEmpty() && !station->getInport(key))
+            if (host::isAboutParam(misfit, *station))
                 m_console.writeLine(QStringLiteral("warning: ") + misfit.toString());
         }
     }

@@ -9,13 +9,21 @@
 namespace host {
 namespace {
 
+/** Those of all channels; alpha is none. */
 template <class T> std::vector<T> finiteValues(const cImg& i_image)
 {
     std::vector<T> values;
     const std::size_t rowLength = std::size_t(i_image.getWidth()) * i_image.getNumChannels();
     values.reserve(rowLength * i_image.getHeight());
+    const bool hasAlpha = i_image.isKindOf(cImgType::RGB32);
     for (unsigned y = 0; y < i_image.getHeight(); ++y) {
         const T* row = i_image.getRow<T>(y);
+        if (hasAlpha) {
+            for (std::size_t i = 0; i < rowLength; ++i)
+                if (i % 4 != 3)
+                    values.push_back(row[i]);
+            continue;
+        }
         std::copy_if(row, row + rowLength, std::back_inserter(values),
             [](T value) { return std::isfinite(double(value)); });
     }
@@ -41,6 +49,8 @@ template <class T> std::optional<cDblRange> rangeOf(const cImg& i_image, double 
 std::optional<cDblRange> contentRange(const cImg& i_image, double i_quantile)
 {
     switch (i_image.getImgType().getTypeId()) {
+    case cImgType::RGB24:
+    case cImgType::RGB32:
     case cImgType::UInt8:
         return rangeOf<quint8>(i_image, i_quantile);
     case cImgType::UInt16:

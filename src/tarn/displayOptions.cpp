@@ -5,8 +5,6 @@
 #include "rangeOption.h"
 
 #include <QStringList>
-#include <tarnbase/cDataValObj.h>
-#include <tarnbase/cMapObj.h>
 #include <tarnimg/cImg.h>
 
 namespace host {
@@ -15,26 +13,6 @@ namespace {
 constexpr double s_greatestGamma = 100.0;
 
 QString key(const char* i_text) { return QString::fromLatin1(i_text); }
-
-/** Whether the descriptor finds its range itself, with and without a quantile, as a viewer would. */
-bool findsRange(cImgType::ImageTypes i_type)
-{
-    switch (i_type) {
-    case cImgType::RGB24:
-    case cImgType::RGB32:
-    case cImgType::UInt8:
-    case cImgType::UInt16:
-    case cImgType::SInt16:
-        return true;
-    default:
-        return false;
-    }
-}
-
-template <class T> void set(cMapObj& io_params, const char* i_path, const T& i_value)
-{
-    io_params.setSubObject(new cDataValObj<T>(i_value), key(i_path), true);
-}
 
 } // namespace
 
@@ -105,14 +83,6 @@ QString cDisplayOptions::applyRange(const cImg&, cImgType& io_type) const
 
 QString cDisplayOptions::applyAutoRange(const cImg& i_image, cImgType& io_type) const
 {
-    if (findsRange(io_type.getTypeId())) {
-        cMapObj params;
-        set(params, "AutoRange/Use", true);
-        set(params, "AutoRange/Quantil", quantile);
-        io_type.setParams(params);
-        return {};
-    }
-    // The other descriptors know no extremes, no quantile, one channel only, or measure a quantile from 0.
     if (io_type.getMaxRange() == cDblRange())
         return QStringLiteral("%1 images have no automatic range\nleave --auto out").arg(io_type.getName());
     const std::optional<cDblRange> found = contentRange(i_image, quantile);

@@ -81,6 +81,17 @@ QString nameGivingFile(const QList<cFrameSource*>& i_sources, qint64 i_stamp)
     return file;
 }
 
+QString nameWithin(const cGraphError& i_misfit, const cStation& i_station)
+{
+    return i_misfit.place.mid(i_station.getPathName().size() + 1);
+}
+
+bool isAboutParam(const cGraphError& i_misfit, const cStation& i_station)
+{
+    const QString name = nameWithin(i_misfit, i_station);
+    return !name.isEmpty() && !i_station.getInport(name);
+}
+
 void registerStations()
 {
     static const bool s_done = [] {

@@ -7,6 +7,7 @@
 #include <tarnimg/cImg.h>
 
 class cDfpNode;
+class cStation;
 
 /** What stations of this library tell the host beyond their ports and parameters. */
 class cHostStation {
@@ -64,6 +65,11 @@ QList<cFrameSource*> sourcesOf(const cDfpNode& i_node);
  * none.
  */
 QString nameGivingFile(const QList<cFrameSource*>& i_sources, qint64 i_stamp);
+
+/** The port or parameter of the station that one of its misfits is about; empty for the station itself. */
+QString nameWithin(const cGraphError& i_misfit, const cStation& i_station);
+/** Whether the misfit is a parameter's value. */
+bool isAboutParam(const cGraphError& i_misfit, const cStation& i_station);
 
 /** Registers the stations of this library with their words. Once; later calls do nothing. */
 void registerStations();

@@ -13,11 +13,6 @@ namespace {
 
 QMetaEnum typeEnum() { return QMetaEnum::fromType<cImgType::ImageTypes>(); }
 
-QString nameOf(cImgType::ImageTypes i_type)
-{
-    return QString::fromLatin1(typeEnum().valueToKey(int(i_type)));
-}
-
 bool isColour(cImgType::ImageTypes i_type) { return i_type == cImgType::RGB24 || i_type == cImgType::RGB32; }
 
 bool isFloat(cImgType::ImageTypes i_type)
@@ -37,9 +32,9 @@ cImg convertOrFail(const cImg& i_source, cImgType::ImageTypes i_type, const cDbl
     for (int type = cImgType::RGB24; type <= cImgType::Complex; ++type) {
         cImg converted;
         if (type != pixel.getImgType().getTypeId() && pixel.convertTo(cImgType::ImageTypes(type), converted))
-            targets.append(nameOf(cImgType::ImageTypes(type)));
+            targets.append(typeName(cImgType::ImageTypes(type)));
     }
-    raise(QStringLiteral("%1 does not convert to %2\n").arg(pixel.getImgType().getName(), nameOf(i_type))
+    raise(QStringLiteral("%1 does not convert to %2\n").arg(pixel.getImgType().getName(), typeName(i_type))
         + (targets.isEmpty() ? QStringLiteral("it converts to no other type")
                              : QStringLiteral("it converts to %1").arg(targets.join(QStringLiteral(", ")))));
 }
@@ -67,7 +62,7 @@ cImg convertChannels(const cImg& i_source, cImgType::ImageTypes i_type, const cD
         raise(QStringLiteral("%1 with %2 channels does not convert to %3, which has %4")
                   .arg(i_source.getImgType().getName())
                   .arg(channels)
-                  .arg(nameOf(i_type))
+                  .arg(typeName(i_type))
                   .arg(needed));
     const cImg flat = regrouped(i_source, i_source.getImgType().getTypeId(), 1);
     return regrouped(
@@ -118,7 +113,7 @@ QString rangeText(const cDblRange& i_range)
 QString describe(const cImg& i_source, cImgType::ImageTypes i_type, const cDblRange& i_range)
 {
     const cImgType& type = i_source.getImgType();
-    QString text = QStringLiteral("%1 to %2, ").arg(type.getName(), nameOf(i_type));
+    QString text = QStringLiteral("%1 to %2, ").arg(type.getName(), typeName(i_type));
     if (isColour(type.getTypeId()) && !isColour(i_type))
         text += QStringLiteral("colour to grey, ");
     if (isFloat(i_type))
@@ -157,11 +152,16 @@ cImgType::ImageTypes typeFromName(const QString& i_name)
     return cImgType::Invalid;
 }
 
+QString typeName(cImgType::ImageTypes i_type)
+{
+    return QString::fromLatin1(typeEnum().valueToKey(int(i_type)));
+}
+
 QStringList typeNames()
 {
     QStringList names;
     for (int type = cImgType::RGB24; type <= cImgType::Complex; ++type)
-        names.append(nameOf(cImgType::ImageTypes(type)));
+        names.append(typeName(cImgType::ImageTypes(type)));
     return names;
 }
 

@@ -28,6 +28,8 @@ cConvertedImage convertImage(
 
 /** The type with this name, whatever its case; `Invalid` if there is none. */
 cImgType::ImageTypes typeFromName(const QString& i_name);
+/** The name of a type as users write it: "UInt8". */
+QString typeName(cImgType::ImageTypes i_type);
 QStringList typeNames();
 
 } // namespace host

@@ -186,6 +186,26 @@ TEST_F(showCommand, AutomaticRangesOfTypesWhoseDescriptorFindsNone)
     EXPECT_EQ(greys[7], 0);
 }
 
+TEST_F(showCommand, AnAutomaticRangeIsThatOfAllChannelsButAlpha)
+{
+    write("a.png", makeImage<quint8>(cImgType::RGB24, {{100, 100, 50, 100, 150, 100}}));
+    EXPECT_EQ(show("a.png -o out.png --auto").exit, 0);
+    EXPECT_EQ(show("a.png -o range.png --range 50,150").exit, 0);
+    EXPECT_EQ(picture("out.png"), picture("range.png"));
+    write("b.png", makeImage<quint8>(cImgType::RGB32, {{100, 100, 50, 255, 100, 150, 100, 0}}));
+    EXPECT_EQ(show("b.png -o out.png --auto").exit, 0);
+    EXPECT_EQ(show("b.png -o range.png --range 50,150").exit, 0);
+    EXPECT_EQ(picture("out.png"), picture("range.png"));
+    cImg channels(cImgType::UInt16, 2, 1, 2);
+    auto* values = reinterpret_cast<quint16*>(channels.getData());
+    for (const int value : {500, 400, 500, 655})
+        *values++ = quint16(value);
+    write("c.tif", channels);
+    EXPECT_EQ(show("c.tif -o out.png --auto").exit, 0);
+    EXPECT_EQ(
+        greysOf(picture("out.png")), std::vector<int>({100, 100})); // the first channel, from 400 to 655
+}
+
 TEST_F(showCommand, RefusesWhatItCannotDo)
 {
     write("a.png", ramp16());
